@@ -1,0 +1,174 @@
+#include "chain/frame_chain.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace android {
+
+namespace {
+
+constexpr float kCentreBoost = 1.414f;     // on the extracted centre as it is overlap-added
+constexpr float kCentreToSide = 0.7071f;   // centre into left and right where no widening runs
+constexpr float kWidthStep = std::bit_cast<float>(0x3E4CCCCCu);  // one unit below 0.2
+
+// One channel's completed past and its pending half.
+//   0..511      the hop completed one call earlier
+//   512..1023   the second half of the previous frame, then the completed current hop
+//   1024..1535  the second half of the current frame
+struct Overlap {
+    float samples[kFrameSamples + kHopSamples];
+    float* current() { return samples + kHopSamples; }
+};
+
+Overlap overlap[kChainChannels];  // reset: 0
+
+void headphone_control_values(const parameterX2B& x2b, parameterDEN& den) {
+    const float w = x2b.surroundWidth;
+    den.wideAmount = w >= 0.8f ? (w - 0.8f) * 20.0f : 0.0f;
+}
+
+void speaker_control_values(parameterTWS& tws, parameterDEN& den) {
+    const float s = tws.stereoWidth;
+    if (s > 0.5f) {
+        const float p = (s - 0.5f) * kWidthStep;
+        den.wideAmount = (s - 0.5f) * 8.0f;
+        tws.widthGain = p + p + 0.8f;
+    } else {
+        den.wideAmount = 0.0f;
+        tws.widthGain = s * 1.6f;
+    }
+}
+
+void overlap_add(const float* frame, Overlap& buffer) {
+    float* target = buffer.current();
+    for (int i = 0; i < kFrameSamples; ++i) {
+        target[i] = target[i] + frame[i];
+    }
+}
+
+// Returns the working channel count: 1, 2 or 3.
+int analyse(float* frameIn, float channelCount, const parameterDEN& den) {
+    if (channelCount != 2.0f) {
+        std::copy_n(frameIn, kFrameSamples, overlap[0].current());
+        return 1;
+    }
+    DialogueEnhancementWide(frameIn, den.smoothFactor, den.centerSpeechGain, den.baseGain, den.wideAmount,
+                            den.stereoOutput, den.wideCurve[0], den.bandEnd, den.bandStart);
+    int channels = 2;
+    if (den.stereoOutput != 1.0f) {
+        float* centre = frameIn + 2 * kFrameSamples;
+        for (int i = 0; i < kFrameSamples; ++i) {
+            centre[i] = centre[i] * kCentreBoost;
+        }
+        channels = 3;
+    }
+    for (int k = 0; k < channels; ++k) {
+        overlap_add(frameIn + k * kFrameSamples, overlap[k]);
+    }
+    return channels;
+}
+
+// The previous hop and the current one of all three channels, one after another.
+void gather_completed(float* planar) {
+    for (int k = 0; k < kChainChannels; ++k) {
+        std::copy_n(overlap[k].samples, kFrameSamples, planar + k * kFrameSamples);
+    }
+}
+
+void compress(float* hop, float channels, const parameterDRC& drc) {
+    dynamicRangeCompression_LC(hop, channels, &drc.compThreshold, &drc.limThreshold, &drc.expThreshold);
+}
+
+void equalize(float* hop, float channels, const parameterGEQ& geq) {
+    graphicalEQ(hop, channels, geq.bandCount, geq.bandGainDb, geq.bandQ, geq.bandWarp);
+}
+
+void headphone_route(int channels, const parameterX2B& x2b, const parameterGEQ& geq, float* frameOut) {
+    float planar[kChainChannels * kFrameSamples];
+    gather_completed(planar);
+    X2Binaural_v1(planar, float(channels), &x2b, frameOut);
+    equalize(frameOut, 2.0f, geq);
+    compress(frameOut, 2.0f, x2b.headphoneDrc);
+}
+
+// Current hops to the output without widening.
+void mix_direct(int channels, float* frameOut) {
+    const float* left = overlap[0].current();
+    const float* right = overlap[1].current();
+    const float* centre = overlap[2].current();
+    for (int i = 0; i < kHopSamples; ++i) {
+        frameOut[i] = channels > 2 ? left[i] + kCentreToSide * centre[i] : left[i];
+        frameOut[kHopSamples + i] = channels > 2 ? right[i] + kCentreToSide * centre[i] : right[i];
+    }
+}
+
+void widen(int channels, const parameterTWS& tws, float* frameOut) {
+    if (channels > 1 && tws.widthGain > 0.0f) {
+        float planar[kChainChannels * kFrameSamples];
+        gather_completed(planar);
+        TWSmobile_freq(planar, &tws, frameOut);
+    } else {
+        mix_direct(channels, frameOut);
+    }
+}
+
+void speaker_route(int channels, const parameterTWS& tws, const parameterEQ& eq, const parameterDRC& drc,
+                   const parameterVB& vb, const parameterGEQ& geq, float* frameOut) {
+    for (Overlap& buffer : overlap) {
+        float* current = buffer.current();
+        for (int i = 0; i < kHopSamples; ++i) {
+            current[i] = current[i] * 0.5f;
+        }
+    }
+    widen(channels, tws, frameOut);
+    const float n = channels > 1 ? 2.0f : 1.0f;
+    equalize(frameOut, n, geq);
+    if (vb.boostLin > -1.0f) {
+        virtualbassFunction_monoLC(frameOut, n, &vb);
+    }
+    equalization_peak(frameOut, n, eq.peakSectionCount, eq.peakSos, eq.trebleSectionCount, eq.trebleSos,
+                      eq.trebleGain, eq.finalSos, eq.finalPassCount);
+    compress(frameOut, n, drc);
+}
+
+void shift() {
+    for (Overlap& buffer : overlap) {
+        std::copy_n(buffer.current(), kFrameSamples, buffer.samples);
+        std::fill_n(buffer.samples + kFrameSamples, kHopSamples, 0.0f);
+    }
+}
+
+}  // namespace
+
+void stereoWidening_frame(float* frameIn, float channelCount, uint8_t headphone, parameterDEN* den,
+                          parameterTWS* tws, const parameterEQ* eq, const parameterDRC* drc, const parameterVB* vb,
+                          const parameterX2B* x2b, const parameterGEQ* geq, float* frameOut) {
+    if (headphone != 0) {
+        headphone_control_values(*x2b, *den);
+    } else {
+        speaker_control_values(*tws, *den);
+    }
+    const int channels = analyse(frameIn, channelCount, *den);
+    if (headphone != 0) {
+        headphone_route(channels, *x2b, *geq, frameOut);
+    } else {
+        speaker_route(channels, *tws, *eq, *drc, *vb, *geq, frameOut);
+    }
+    shift();
+}
+
+void stereoWidening_frame_init() {
+    std::fill_n(overlap, kChainChannels, Overlap{});
+}
+
+void stereoWidening_frame_initialize() {
+    state_not_empty_init();
+    bdiff_sm_not_empty_init();
+    stereoWidening_frame_init();
+    virtualbassFunction_monoLC_init();
+    equalization_peak_init();
+    graphicalEQ_init();
+    X2Binaural_v1_init();
+}
+
+}  // namespace android

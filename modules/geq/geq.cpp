@@ -1,0 +1,117 @@
+#include "modules/geq/geq.h"
+
+#include <cmath>
+
+#include "dsp/section.h"
+
+namespace android {
+
+namespace {
+
+// tan(pi f / 48000) for f = 62.5 Hz x 2^k, rounded to float.
+constexpr parameterGEQ kFactory = {
+    .bandCount = 9.0f,
+    .bandGainDb = {},
+    .bandQ = 1.4142135f,
+    .bandWarp = {0.0040906384f, 0.0081814136f, 0.016363923f, 0.03273661f, 0.06554347f, 0.1316525f, 0.26794919f,
+                 0.57735032f, 1.7320509f},
+};
+
+// A gain no setting is likely to hold, so that the first call after a reset designs every band.
+constexpr float kNoGainDb = -100.0f;
+
+struct Section {
+    float b[3], a[3];
+};
+
+struct Delays {
+    float z[2];
+};
+
+struct State {
+    float lastGainDb[kGeqMaxBands];  // reset: -100
+    Section bands[kGeqMaxBands];     // survives a reset
+    Delays left[kGeqMaxBands];       // reset: 0
+    Delays right[kGeqMaxBands];      // reset: 0
+};
+
+State state;
+
+int band_count(float bandCount) {
+    if (!(bandCount >= 1.0f)) {
+        return 0;
+    }
+    return bandCount < float(kGeqMaxBands) ? int(bandCount) : kGeqMaxBands;
+}
+
+void redesign_changed_bands(int bands, const float* gainDb, float Q, const float* warp) {
+    for (int k = 0; k < bands; ++k) {
+        if (state.lastGainDb[k] != gainDb[k]) {
+            il_iirpeaking2(warp[k], gainDb[k], Q, state.bands[k].b, state.bands[k].a);
+        }
+        state.lastGainDb[k] = gainDb[k];
+    }
+}
+
+// The filter normalises its coefficients in place, so it gets copies.
+void filter_band(Section section, float* io, Delays& delays) {
+    filter(section.b, section.a, io, delays.z, io, delays.z);
+}
+
+}  // namespace
+
+void factory_contents(parameterGEQ* record) {
+    *record = kFactory;
+}
+
+void il_iirpeaking2(float K, float gainDb, float Q, float* b, float* a) {
+    const float V = float(std::pow(10.0, double(std::fabs(gainDb)) * 0.05));
+    const float KK = K * K;
+    const float KQ = K * (1.0f / Q);
+    const float VKQ = V * KQ;
+
+    a[0] = 1.0f;
+    if (gainDb > 0.0f) {
+        const float n = 1.0f / (1.0f + KQ + KK);
+        b[0] = n * (1.0f + VKQ + KK);
+        b[1] = n * (2.0f * (KK - 1.0f));
+        b[2] = n * (1.0f - VKQ + KK);
+        a[1] = b[1];
+        a[2] = n * (1.0f - KQ + KK);
+    } else if (gainDb < 0.0f) {
+        const float n = 1.0f / (1.0f + VKQ + KK);
+        b[0] = n * (1.0f + KQ + KK);
+        b[1] = n * (2.0f * (KK - 1.0f));
+        b[2] = n * (1.0f - KQ + KK);
+        a[1] = b[1];
+        a[2] = n * (1.0f - VKQ + KK);
+    } else {
+        b[0] = 1.0f;
+        b[1] = b[2] = a[1] = a[2] = 0.0f;
+    }
+}
+
+void graphicalEQ(float* io, float channels, float bandCount, const float* bandGainDb, float bandQ,
+                 const float* bandWarp) {
+    const int bands = band_count(bandCount);
+    redesign_changed_bands(bands, bandGainDb, bandQ, bandWarp);
+    for (int k = 0; k < bands; ++k) {
+        if (bandGainDb[k] == 0.0f) {
+            continue;
+        }
+        filter_band(state.bands[k], io, state.left[k]);
+        if (channels == 2.0f) {
+            filter_band(state.bands[k], io + kHopSamples, state.right[k]);
+        }
+    }
+}
+
+void graphicalEQ_init() {
+    for (int k = 0; k < kGeqMaxBands; ++k) {
+        state.lastGainDb[k] = kNoGainDb;
+        state.left[k] = {};
+        state.right[k] = {};
+    }
+}
+
+}  // namespace android
