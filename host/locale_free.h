@@ -7,7 +7,6 @@
 namespace android {
 
 // The number that text begins with after white space (decimal, hexadecimal, inf, nan); 0 when there is none.
-// parsed, when given, says which.
 double parse_double(const char* text);
 
 // The same, rounded once, to single precision; parsed says whether there is a number.
