@@ -7,7 +7,8 @@
 
 namespace android {
 
-// Fills all seven records and touches nothing else. bassCutoff is the virtual bass' cutoff in Hz (see modules/vb).
+// Fills all seven records and touches nothing else. bassCutoff is the virtual bass' cutoff in Hz (see
+// modules/vb).
 void stereoWidening_initialization(float bassCutoff, parameterDEN* den, parameterTWS* tws, parameterEQ* eq,
                                    parameterDRC* drc, parameterVB* vb, parameterX2B* x2b, parameterGEQ* geq);
 

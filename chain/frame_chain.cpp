@@ -7,8 +7,8 @@ namespace android {
 
 namespace {
 
-constexpr float kCentreBoost = 1.414f;     // on the extracted centre as it is overlap-added
-constexpr float kCentreToSide = 0.7071f;   // centre into left and right where no widening runs
+constexpr float kCentreBoost = 1.414f;    // on the extracted centre as it is overlap-added
+constexpr float kCentreToSide = 0.7071f;  // centre into left and right where no widening runs
 constexpr float kWidthStep = std::bit_cast<float>(0x3E4CCCCCu);  // one unit below 0.2
 
 // One channel's completed past and its pending half.
@@ -141,8 +141,9 @@ void shift() {
 }  // namespace
 
 void stereoWidening_frame(float* frameIn, float channelCount, uint8_t headphone, parameterDEN* den,
-                          parameterTWS* tws, const parameterEQ* eq, const parameterDRC* drc, const parameterVB* vb,
-                          const parameterX2B* x2b, const parameterGEQ* geq, float* frameOut) {
+                          parameterTWS* tws, const parameterEQ* eq, const parameterDRC* drc,
+                          const parameterVB* vb, const parameterX2B* x2b, const parameterGEQ* geq,
+                          float* frameOut) {
     if (headphone != 0) {
         headphone_control_values(*x2b, *den);
     } else {

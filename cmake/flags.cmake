@@ -11,7 +11,7 @@ if(ZOQ_WERROR)
 endif()
 
 if(ZOQ_SANITIZE)
-  add_compile_options(-fsanitize=${ZOQ_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_compile_options(-fsanitize=${ZOQ_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZOQ_SANITIZE})
 endif()
 

@@ -30,8 +30,8 @@ const int32_t* bit_reversal() {
     return fft_table;
 }
 
-// The ten stages in place on bit-reversed input. The unit twiddle is not multiplied: (1, 0) would change signed
-// zeros.
+// The ten stages in place on bit-reversed input. The unit twiddle is not multiplied: (1, 0) would change
+// signed zeros.
 void transform_stages(creal32_T* y, const float* sine) {
     for (int i = 0; i < kFrameSamples; i += 2) {
         butterfly(y[i], y[i + 1], y[i + 1]);

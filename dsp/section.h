@@ -8,16 +8,15 @@
 namespace android {
 
 // One section over 512 samples, starting from and returning its two delays.
-//        b, a     3 floats        in/out  when a[0] is neither 0 nor 1, all six are divided by a[0] in place first
-//        x        512 samples     in
-//        zi       2 floats        in      delays before the hop
-//        y        512 samples     out     may be x itself
-//        zf       2 floats        out     delays after the hop; may be zi itself
+//        b, a     3 floats        in/out  when a[0] is neither 0 nor 1, all six are divided by a[0] in place
+//        first x        512 samples     in zi       2 floats        in      delays before the hop y 512
+//        samples     out     may be x itself zf       2 floats        out     delays after the hop; may be zi
+//        itself
 void filter(float* b, float* a, const float* x, const float* zi, float* y, float* zf);
 void b_filter(float* b, float* a, const float* x, const float* zi, float* y, float* zf);
 
-// A section matrix holds up to three sections as 18 floats, coefficient-major: coefficient j (b0 b1 b2 a0 a1 a2)
-// of section s at element 3 j + s.
+// A section matrix holds up to three sections as 18 floats, coefficient-major: coefficient j (b0 b1 b2 a0 a1
+// a2) of section s at element 3 j + s.
 inline constexpr int kMaxSections = 3;
 inline constexpr int kSectionMatrixFloats = 6 * kMaxSections;
 

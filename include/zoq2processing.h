@@ -1,11 +1,13 @@
-// libzoq2processing: audio output post-processing for phones. What a host may see: entry points, settings, globals.
+// libzoq2processing: audio output post-processing for phones. What a host may see: entry points, settings,
+// globals.
 //
-// One engine per process. A host calls ZOQ_OUTPROC_PLAY_INIT once, then hands every block of interleaved 16-bit PCM
-// it plays to ZOQ_OUTPROC_PLAY_SAMPLES, which processes it in place. Settings arrive as parameter strings.
+// One engine per process. A host calls ZOQ_OUTPROC_PLAY_INIT once, then hands every block of interleaved
+// 16-bit PCM it plays to ZOQ_OUTPROC_PLAY_SAMPLES, which processes it in place. Settings arrive as parameter
+// strings.
 //
-// Threads. Audio thread: ZOQ_OUTPROC_PLAY_SAMPLES, and ZOQ_OUTPROC_PLAY_INIT, never the two at once. Any thread:
-// ZOQ_PARAMS_SET, ZOQ_PARAMS_GET, ZOQ_update_volume. No entry point returns a status; nothing is logged. The audio
-// path allocates nothing and takes one lock for the time of two assignments.
+// Threads. Audio thread: ZOQ_OUTPROC_PLAY_SAMPLES, and ZOQ_OUTPROC_PLAY_INIT, never the two at once. Any
+// thread: ZOQ_PARAMS_SET, ZOQ_PARAMS_GET, ZOQ_update_volume. No entry point returns a status; nothing is
+// logged. The audio path allocates nothing and takes one lock for the time of two assignments.
 #pragma once
 
 #include <pthread.h>
@@ -30,8 +32,9 @@
 
 extern "C" {
 
-// Validates the engine state, gives all records their factory contents, applies "/etc/zoq/zoq_config.txt" if it can
-// be read, resets every module and empties the sample rings. May be called again at any time between two blocks.
+// Validates the engine state, gives all records their factory contents, applies "/etc/zoq/zoq_config.txt" if
+// it can be read, resets every module and empties the sample rings. May be called again at any time between
+// two blocks.
 void ZOQ_OUTPROC_PLAY_INIT();
 
 // Processes one block in place.
@@ -39,16 +42,24 @@ void ZOQ_OUTPROC_PLAY_INIT();
 //        bytes       length of the block; at most 73728 (18432 stereo sample frames)
 //        sampleRate  Hz; only a change of it matters, the modules are tuned for 48000
 //        channels    interleaved channels; the driver is built for 2
-// After a change of rate, block size or output class 6000 sample frames pass through untouched; then the output is
-// the processed input, delayed by one hop and by (values per block) mod 1024 values, faded in over 5120 sample
-// frames. A block that cannot be processed (no samples, too long, channels outside 1..6) comes back untouched.
+// After a change of rate, block size or output class 6000 sample frames pass through untouched; then the
+// output is the processed input, delayed by one hop and by (values per block) mod 1024 values, faded in over
+// 5120 sample frames. A block that cannot be processed (no samples, too long, channels outside 1..6) comes
+// back untouched.
 void ZOQ_OUTPROC_PLAY_SAMPLES(int16_t* samples, int bytes, int sampleRate, int channels);
 
 // Applies key=value pairs joined by ";". Unknown keys are ignored; values are stored unchecked.
 void ZOQ_PARAMS_SET(const android::String8& keyValuePairs);
 
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"  // hosts bind to the plain name
+#endif
 // Answers keys joined by ";" with their current values, sorted by key; "" when no key is known.
 android::String8 ZOQ_PARAMS_GET(const android::String8& keys);
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 }
 
 namespace android {
@@ -71,21 +82,21 @@ int parameter_out_of_range(float value, float lo, float hi);
 // --- Engine state ---
 
 inline constexpr int kMaxHostChannels = 6;
-inline constexpr int kRingValues = 40960;       // int16 values in each ring
-inline constexpr int kMaxBlockValues = 36864;   // int16 values in a block
+inline constexpr int kRingValues = 40960;      // int16 values in each ring
+inline constexpr int kMaxBlockValues = 36864;  // int16 values in a block
 
 struct parameterMEM {
     // Settings as the host gave them, in percent unless noted; ZOQ_PARAMS_SET and the configuration file.
-    int32_t stereoWidenEnable;       // 1: processing on, 0: off
-    int32_t headphoneMode;           // 1: headphone route; recomputed at every block
-    int32_t prevHeadphoneMode;       // its value one block earlier
-    float compressionGain;           // loudspeaker, of 18 or 21 dB; 0..100
-    float headphoneCompressionGain;  // headphones, of 20 dB
-    float vbBoostlin;                // virtual bass; 0..100
-    float eqTrebleBoost;             // treble; 0..100
-    float dsStereoWidth;             // loudspeaker width; 0..100
-    float hpSurroundWidth;           // headphone width
-    float denCentSpeechGain;         // dialogue; 0..100
+    int32_t stereoWidenEnable;             // 1: processing on, 0: off
+    int32_t headphoneMode;                 // 1: headphone route; recomputed at every block
+    int32_t prevHeadphoneMode;             // its value one block earlier
+    float compressionGain;                 // loudspeaker, of 18 or 21 dB; 0..100
+    float headphoneCompressionGain;        // headphones, of 20 dB
+    float vbBoostlin;                      // virtual bass; 0..100
+    float eqTrebleBoost;                   // treble; 0..100
+    float dsStereoWidth;                   // loudspeaker width; 0..100
+    float hpSurroundWidth;                 // headphone width
+    float denCentSpeechGain;               // dialogue; 0..100
     float eqBandGain[kGeqBands];           // dB, loudspeaker
     float headphoneEqBandGain[kGeqBands];  // dB, headphones
 
@@ -120,8 +131,9 @@ extern parameterX2B b_parameterX2B;
 extern parameterGEQ b_parameterGEQ;
 extern parameterMEM b_parameterMEM;
 
-extern pthread_mutex_t glock_ZOQ;  // held while a parameter string is applied, and around the output-class update
-extern const char* zoq_switch;     // the key of the on/off switch
-extern int32_t gCurOutputDevice;   // the platform's output-device mask; 2, the loudspeaker, at load
+extern pthread_mutex_t
+    glock_ZOQ;  // held while a parameter string is applied, and around the output-class update
+extern const char* zoq_switch;    // the key of the on/off switch
+extern int32_t gCurOutputDevice;  // the platform's output-device mask; 2, the loudspeaker, at load
 
 }  // namespace android

@@ -4,7 +4,8 @@ namespace android {
 
 void factory_contents(parameterDEN*) {}
 
-void DialogueEnhancementWide(float*, float, float, float, float, float, const float*, const float*, const float*) {}
+void DialogueEnhancementWide(float*, float, float, float, float, float, const float*, const float*,
+                             const float*) {}
 
 void bdiff_sm_not_empty_init() {}
 

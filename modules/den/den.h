@@ -1,11 +1,12 @@
 // Dialogue enhancement: pan widening, centre extraction, speech detection and boost on one windowed frame.
 //
 // Where it runs: first in both routes, on stereo input, before the overlap-add.
-//   frame L, R -> window -> half spectra -> [widen bins 31..255] -> centre of 34 bands -> [speech gain of 33 bands]
+//   frame L, R -> window -> half spectra -> [widen bins 31..255] -> centre of 34 bands -> [speech gain of 33
+//   bands]
 //              -> L, R, C -> inverse -> window -> three blocks to overlap-add at a hop of 512
 // Latency: none of its own; the overlap-add completes a hop one call later.
-// Cost: one forward and at most two inverse transforms.  Thread: audio thread only; the smoothed powers and the
-// four-hop histories are process-wide.
+// Cost: one forward and at most two inverse transforms.  Thread: audio thread only; the smoothed powers and
+// the four-hop histories are process-wide.
 #pragma once
 
 #include "dsp/frame.h"
@@ -33,17 +34,18 @@ void factory_contents(parameterDEN* record);
 
 // Processes one frame.
 //        argument      shape        unit     direction
-//        io            3 x 1024     -        in/out   in: left, right frame (the third block is read by the bypass
+//        io            3 x 1024     -        in/out   in: left, right frame (the third block is read by the
+//        bypass
 //                                                     alone); out: left, right, centre, to overlap-add
 //        smoothFactor .. stereoOutput        in       the record's first five fields
 //        wideCurve     4 x 100      -        in
 //        bandEnd       43           bin + 1  in       kept within 1..513
 //        bandStart     43           bin + 1  in       kept within 1..513
-// With gains 1, no widening and stereoOutput 1 all three blocks are halved and nothing else happens. wideAmount
-// x 25 selects the curve, kept within columns 1..100; a negative amount widens nothing.
+// With gains 1, no widening and stereoOutput 1 all three blocks are halved and nothing else happens.
+// wideAmount x 25 selects the curve, kept within columns 1..100; a negative amount widens nothing.
 void DialogueEnhancementWide(float* io, float smoothFactor, float centerSpeechGain, float baseGain,
-                             float wideAmount, float stereoOutput, const float* wideCurve, const float* bandEnd,
-                             const float* bandStart);
+                             float wideAmount, float stereoOutput, const float* wideCurve,
+                             const float* bandEnd, const float* bandStart);
 
 // The next call starts from zeroed powers, energies, histories and speech activity.
 void bdiff_sm_not_empty_init();

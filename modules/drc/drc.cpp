@@ -28,7 +28,7 @@ constexpr parameterDRC kFactory = {
 
 constexpr int kMaxChannels = 2;
 constexpr float kStartLevelDb = -50.0f;
-constexpr float kLogFloor = 1e-10f;    // keeps the level of silence finite: -200 dB
+constexpr float kLogFloor = 1e-10f;  // keeps the level of silence finite: -200 dB
 constexpr double kReductionFloor = 1e-16;
 constexpr double kClip = 0.999;
 
@@ -165,8 +165,8 @@ void smooth_reduction(const Stage& stage, float& last, float* reduction) {
     last = s;
 }
 
-void analyse_channel(const float* x, const Stage& comp, const Stage& lim, float makeupDb, ChannelState& memory,
-                     Curves& out) {
+void analyse_channel(const float* x, const Stage& comp, const Stage& lim, float makeupDb,
+                     ChannelState& memory, Curves& out) {
     float level[kGridPoints], comp_gr[kGridPoints], lim_gr[kGridPoints];
     detect_peaks(x, level);
     peaks_to_db(level);
@@ -196,7 +196,8 @@ void link_channels(Curves& first, const Curves& second) {
     }
 }
 
-void gain_curve(const Curves& curves, const Stage& comp, const Expander& expander, float makeupDb, float* gain) {
+void gain_curve(const Curves& curves, const Stage& comp, const Expander& expander, float makeupDb,
+                float* gain) {
     float exponent[kGridPoints];
     for (int j = 0; j < kGridPoints; ++j) {
         exponent[j] = -0.05f * curves.reductionDb[j];
@@ -252,7 +253,8 @@ void dynamicRangeCompression_LC(float* io, float channels, const float* firstSta
     if (count == 0) {
         return;
     }
-    const Stage comp{firstStage[0], firstStage[1], firstStage[2], firstStage[3], firstStage[4], firstStage[5]};
+    const Stage comp{firstStage[0], firstStage[1], firstStage[2],
+                     firstStage[3], firstStage[4], firstStage[5]};
     const Stage lim{secondStage[0], secondStage[1], secondStage[2],
                     secondStage[3], secondStage[4], secondStage[5]};
     const float makeupDb = 20.0f * float(std::log10(double(comp.makeup)));

@@ -11,8 +11,8 @@
 
 namespace android {
 
-// A block of settings; the speaker route's is a global, the headphone route's lies inside parameterX2B. The first
-// twelve fields are rewritten before every hop by initialize_dynamicRangeCompression_C.
+// A block of settings; the speaker route's is a global, the headphone route's lies inside parameterX2B. The
+// first twelve fields are rewritten before every hop by initialize_dynamicRangeCompression_C.
 struct parameterDRC {
     float compThreshold;  // dB, negative
     float compKnee;       // dB, width of the soft knee

@@ -33,12 +33,12 @@ void factory_contents(parameterEQ* record);
 //        peakSos             18           in
 //        trebleSectionCount  0..3         in
 //        trebleSos           18           in
-//        trebleGain          linear       in       0 or less leaves the signal and the booster's memories alone
-//        finalSos            6            in
-//        finalPassCount      0 or more    in       truncated; kept within 0..3; every pass uses the same memories
+//        trebleGain          linear       in       0 or less leaves the signal and the booster's memories
+//        alone finalSos            6            in finalPassCount      0 or more    in       truncated; kept
+//        within 0..3; every pass uses the same memories
 void equalization_peak(float* io, float channels, float peakSectionCount, const float* peakSos,
-                       float trebleSectionCount, const float* trebleSos, float trebleGain, const float* finalSos,
-                       float finalPassCount);
+                       float trebleSectionCount, const float* trebleSos, float trebleGain,
+                       const float* finalSos, float finalPassCount);
 
 // All filter memories go to zero.
 void equalization_peak_init();

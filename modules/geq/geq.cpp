@@ -13,8 +13,8 @@ constexpr parameterGEQ kFactory = {
     .bandCount = 9.0f,
     .bandGainDb = {},
     .bandQ = 1.4142135f,
-    .bandWarp = {0.0040906384f, 0.0081814136f, 0.016363923f, 0.03273661f, 0.06554347f, 0.1316525f, 0.26794919f,
-                 0.57735032f, 1.7320509f},
+    .bandWarp = {0.0040906384f, 0.0081814136f, 0.016363923f, 0.03273661f, 0.06554347f, 0.1316525f,
+                 0.26794919f, 0.57735032f, 1.7320509f},
 };
 
 // A gain no setting is likely to hold, so that the first call after a reset designs every band.

@@ -4,7 +4,8 @@
 //   L, R -> half spectra -> same-side + cross-feed -> inverse -> current hop -> + 0.5568 x delayed centre
 //        -> blend with the delayed direct signal by widthGain
 // Latency: directDelay (180 samples), in the filters and in the direct paths alike.
-// Cost: one forward and one inverse transform, four complex products per bin.  Thread: audio thread; no state.
+// Cost: one forward and one inverse transform, four complex products per bin.  Thread: audio thread; no
+// state.
 #pragma once
 
 #include "dsp/frame.h"
@@ -12,11 +13,11 @@
 namespace android {
 
 struct parameterTWS {
-    float widthGain;                    // share of the widened signal, 1 or more: alone; chain, every hop
-    float stereoWidth;                  // the user's width, 0..1; host, from "DS_stereoWidth"; not read here
-    float directDelay;                  // samples, 0..511; factory fill (180)
-    creal32_T sameSideFilter[kBins];    // left to left, right to right; factory fill
-    creal32_T crossFeedFilter[kBins];   // right to left, left to right; factory fill
+    float widthGain;                   // share of the widened signal, 1 or more: alone; chain, every hop
+    float stereoWidth;                 // the user's width, 0..1; host, from "DS_stereoWidth"; not read here
+    float directDelay;                 // samples, 0..511; factory fill (180)
+    creal32_T sameSideFilter[kBins];   // left to left, right to right; factory fill
+    creal32_T crossFeedFilter[kBins];  // right to left, left to right; factory fill
 };
 static_assert(sizeof(parameterTWS) == 2055 * sizeof(float));
 
@@ -28,7 +29,8 @@ void factory_contents(parameterTWS* record);
 //        in          3 x 1024     in       left, right, centre: the previous hop and the current one
 //        parameters  record       in
 //        out         2 x 512      out      left, right; not in
-// Positions before and behind the frame, which only a directDelay outside 0..511 reaches, read the nearest sample.
+// Positions before and behind the frame, which only a directDelay outside 0..511 reaches, read the nearest
+// sample.
 void TWSmobile_freq(const float* in, const parameterTWS* parameters, float* out);
 
 }  // namespace android

@@ -11,23 +11,23 @@
 
 namespace android {
 
-// Section counts are truncated and kept within 0..3; a count of 0 switches that stage off. Section matrices as in
-// dsp/section.h.
+// Section counts are truncated and kept within 0..3; a count of 0 switches that stage off. Section matrices
+// as in dsp/section.h.
 struct parameterVB {
-    float harmonicGain;            // c of x + c x^2; factory fill (6 dB)
-    float boostLin;                // linear gain of the generated bass, -1: off; host, from "VB_boostlin"
-    float compSlope;               // dB of reduction per dB of excess; factory fill (0.2)
-    float compOffsetDb;            // dB added to the fast-minus-slow difference; factory fill (12)
-    float outputGain;              // linear gain applied with the boost; factory fill (2.4 dB)
-    float lowpassSections;         // sections in use: bass extraction
+    float harmonicGain;     // c of x + c x^2; factory fill (6 dB)
+    float boostLin;         // linear gain of the generated bass, -1: off; host, from "VB_boostlin"
+    float compSlope;        // dB of reduction per dB of excess; factory fill (0.2)
+    float compOffsetDb;     // dB added to the fast-minus-slow difference; factory fill (12)
+    float outputGain;       // linear gain applied with the boost; factory fill (2.4 dB)
+    float lowpassSections;  // sections in use: bass extraction
     float lowpassSos[kSectionMatrixFloats];
-    float inputHighpassSections;   // sections in use: each channel before the bass is added
+    float inputHighpassSections;  // sections in use: each channel before the bass is added
     float inputHighpassSos[kSectionMatrixFloats];
-    float bandHighpassSections;    // sections in use: the extracted bass band
+    float bandHighpassSections;  // sections in use: the extracted bass band
     float bandHighpassSos[kSectionMatrixFloats];
-    float harmonicLowpassSections; // sections in use: the generated harmonics
+    float harmonicLowpassSections;  // sections in use: the generated harmonics
     float harmonicLowpassSos[kSectionMatrixFloats];
-    float fastAttack;              // follower coefficients per grid point
+    float fastAttack;  // follower coefficients per grid point
     float fastRelease;
     float slowAttack;
     float slowRelease;
@@ -37,8 +37,8 @@ struct parameterVB {
 };
 static_assert(sizeof(parameterVB) == 105 * sizeof(float));
 
-// Factory contents. cutoffHz, truncated toward zero, selects one of the prepared section sets: 60, 70, 80, 100,
-// 120, 150, 180, 200, 220 or 250 Hz; any other value takes the 120 Hz set.
+// Factory contents. cutoffHz, truncated toward zero, selects one of the prepared section sets: 60, 70, 80,
+// 100, 120, 150, 180, 200, 220 or 250 Hz; any other value takes the 120 Hz set.
 void factory_contents(float cutoffHz, parameterVB* record);
 
 // Processes one hop in place.

@@ -1,8 +1,8 @@
 // Stand-in for the platform's SortedVector and key_value_pair_t: unique items kept in ascending order.
 #pragma once
 
-#include <cstddef>
 #include <sys/types.h>
+#include <cstddef>
 #include <vector>
 
 namespace android {

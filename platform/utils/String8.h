@@ -1,6 +1,7 @@
 // Stand-in for the platform's String8: an owned, NUL-terminated byte string.
 //
-// Control threads only: construction, setTo and append allocate. Running out of memory leaves the text as it was.
+// Control threads only: construction, setTo and append allocate. Running out of memory leaves the text as it
+// was.
 #pragma once
 
 #include <cstddef>
