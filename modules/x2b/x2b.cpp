@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dsp/fft.h"
+#include "dsp/shared_value.h"
 #include "modules/x2b/x2b_tables.h"
 
 namespace android {
@@ -213,7 +214,7 @@ void factory_contents(parameterX2B* record) {
 void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float* out) {
     const int channelCount = channel_count(channels);
     const int partitions = partition_count(parameters->numPartitions);
-    const Rendering rendering = rendering_of(parameters->surroundWidth, channelCount);
+    const Rendering rendering = rendering_of(load_shared(parameters->surroundWidth), channelCount);
     Inputs x;
     analyse(in, channelCount, x);
     accumulate(x, channelCount, partitions, parameters, rendering);
