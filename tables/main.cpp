@@ -10,8 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "tables/head.h"
 #include "tables/pan_curves.h"
+#include "tables/report.h"
 #include "tables/transform_tables.h"
+#include "tables/widening_filters.h"
 
 namespace {
 
@@ -38,6 +41,7 @@ struct UsageError : std::runtime_error {
 struct Options {
     std::filesystem::path source = ".";
     bool check = false;
+    bool report = false;
     bool help = false;
 };
 
@@ -54,6 +58,8 @@ Options read_options(const std::vector<std::string>& words) {
             options.source = argument();
         } else if (words[i] == "--check") {
             options.check = true;
+        } else if (words[i] == "--report") {
+            options.report = true;
         } else if (words[i] == "--help") {
             options.help = true;
         } else {
@@ -64,7 +70,8 @@ Options read_options(const std::vector<std::string>& words) {
 }
 
 std::vector<GeneratedFile> make_all() {
-    return {zoq::tables::transform_tables_file(), zoq::tables::pan_curves_file()};
+    return {zoq::tables::transform_tables_file(), zoq::tables::pan_curves_file(),
+            zoq::tables::widening_filters_file()};
 }
 
 std::string reason(const std::filesystem::path& path) {
@@ -115,6 +122,13 @@ int main(int argc, char** argv) {
         const Options options = read_options({argv + 1, argv + argc});
         if (options.help) {
             std::cout << kHelp;
+            return kDone;
+        }
+        if (options.report) {
+            using namespace zoq::tables;
+            const Head head = load_head(kDefaultHeadFile);
+            const WideningFilters filters = make_widening_filters();
+            report_widening(std::cout, filters.sameSide, filters.crossFeed, head);
             return kDone;
         }
         return run(options);
