@@ -31,9 +31,8 @@ void ifft(const creal32_T* x, creal32_T* y);
 void split_stereo_spectrum(const float* left, const float* right, creal32_T* leftHalf, creal32_T* rightHalf);
 
 // Back to the time domain by one inverse transform of left + j right.
-//        leftHalf, rightHalf   bins 0..512         in; the imaginary parts of bins 0 and 512 leak into the
-//        other
-//                                                  channel, as in any packing of two real frames
+//        leftHalf, rightHalf   bins 0..512         in; the imaginary parts of bins 0 and 512 leak into
+//                                                  the other channel, as in any packing of two real frames
 //        frame                 1024 complex        out: left in re, right in im
 void merge_stereo_spectrum(const creal32_T* leftHalf, const creal32_T* rightHalf, creal32_T* frame);
 

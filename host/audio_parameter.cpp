@@ -111,7 +111,7 @@ status_t AudioParameter::getFloat(const String8& key, float& value) const {
         return BAD_VALUE;
     }
     bool parsed = false;
-    value = static_cast<float>(parse_double(value_of(key).string(), &parsed));
+    value = parse_float(value_of(key).string(), &parsed);
     return parsed ? NO_ERROR : INVALID_OPERATION;
 }
 

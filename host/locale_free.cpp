@@ -43,13 +43,16 @@ class CLocale {
 
 }  // namespace
 
-double parse_double(const char* text, bool* parsed) {
+double parse_double(const char* text) {
+    const CLocale scope;
+    return std::strtod(text, nullptr);
+}
+
+float parse_float(const char* text, bool* parsed) {
     const CLocale scope;
     char* end = nullptr;
-    const double value = std::strtod(text, &end);
-    if (parsed != nullptr) {
-        *parsed = end != text;
-    }
+    const float value = std::strtof(text, &end);
+    *parsed = end != text;
     return value;
 }
 

@@ -7,10 +7,13 @@
 namespace android {
 
 // The number that text begins with after white space (decimal, hexadecimal, inf, nan); 0 when there is none.
-// parsed, when given, says which.
-double parse_double(const char* text, bool* parsed = nullptr);
+double parse_double(const char* text);
 
-// The decimal integer that text begins with after white space, saturated; 0 when there is none.
+// The same, rounded once, to single precision; parsed says whether there is a number.
+float parse_float(const char* text, bool* parsed);
+
+// The decimal integer that text begins with after white space, saturated; 0 when there is none. parsed, when given,
+// says which.
 int32_t parse_int(const char* text, bool* parsed = nullptr);
 
 // Formats into a buffer of size bytes, cut to it; returns the length that printf would have written.
