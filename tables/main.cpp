@@ -13,6 +13,7 @@
 #include "tables/head.h"
 #include "tables/pan_curves.h"
 #include "tables/report.h"
+#include "tables/room_responses.h"
 #include "tables/transform_tables.h"
 #include "tables/widening_filters.h"
 
@@ -21,16 +22,17 @@ namespace {
 using zoq::tables::GeneratedFile;
 
 constexpr const char* kHelp =
-    "usage: zoq-make-tables [--source DIR] [--check]\n"
+    "usage: zoq-make-tables [--source DIR] [--check | --report]\n"
     "\n"
     "Remakes every generated table file of the source tree, or compares them.\n"
     "\n"
     "  --source DIR  the source tree (default: the current directory)\n"
     "  --check       write nothing; compare the committed files with remade ones\n"
+    "  --report      write nothing; print what the filters and room responses measure\n"
     "  --help        this text\n"
     "\n"
     "exit status: 0 done, or no difference; 1 a committed file differs; 2 wrong usage;\n"
-    "             3 a file cannot be read or written\n";
+    "             3 a file cannot be read, written or used\n";
 
 enum Status { kDone, kDiffers, kUsage, kNoFile };
 
@@ -69,9 +71,26 @@ Options read_options(const std::vector<std::string>& words) {
     return options;
 }
 
+const std::vector<std::string> kHeadSource = {
+    "Source: the head MIT_KEMAR_normal_pinna.sofa of Debian's libmysofa1: responses of a KEMAR dummy head "
+    "measured",
+    "by Bill Gardner and Keith Martin, MIT Media Lab, 1994. Copyright 1994 by the MIT Media Laboratory; free "
+    "with no",
+    "restrictions on use, provided the authors are cited.",
+};
+
 std::vector<GeneratedFile> make_all() {
-    return {zoq::tables::transform_tables_file(), zoq::tables::pan_curves_file(),
-            zoq::tables::widening_filters_file()};
+    using namespace zoq::tables;
+    return {transform_tables_file(), pan_curves_file(), widening_filters_file(),
+            room_responses_file(make_room_responses(load_head(kDefaultHeadFile)), kHeadSource)};
+}
+
+void report() {
+    using namespace zoq::tables;
+    const Head head = load_head(kDefaultHeadFile);
+    const WideningFilters filters = make_widening_filters();
+    report_widening(std::cout, filters.sameSide, filters.crossFeed, head);
+    report_rooms(std::cout, make_room_responses(head).tables(), head);
 }
 
 std::string reason(const std::filesystem::path& path) {
@@ -125,10 +144,7 @@ int main(int argc, char** argv) {
             return kDone;
         }
         if (options.report) {
-            using namespace zoq::tables;
-            const Head head = load_head(kDefaultHeadFile);
-            const WideningFilters filters = make_widening_filters();
-            report_widening(std::cout, filters.sameSide, filters.crossFeed, head);
+            report();
             return kDone;
         }
         return run(options);

@@ -57,12 +57,16 @@ std::array<long double, 4> pan_curve(int K) {
 GeneratedFile pan_curves_file() {
     std::array<std::vector<float>, 4> rows;
     double worst = 0.0;
+    int worstColumn = 0;
     for (int K = 1; K <= kDenCurveColumns; ++K) {
         const auto curve = pan_curve(K);
         for (size_t r = 0; r < rows.size(); ++r) {
             rows[r].push_back(float(curve[r]));
         }
-        worst = std::max(worst, worst_fit(K));
+        if (const double fit = worst_fit(K); fit > worst) {
+            worst = fit;
+            worstColumn = K;
+        }
     }
 
     SourceText text(
@@ -72,7 +76,7 @@ GeneratedFile pan_curves_file() {
          "tanh(a)",
          "with a = (2^(K/25) - 1) / 2; rows are the coefficients of u^3, u^2, u and 1.",
          "Worst error: rounding to float; the cubics leave the target by up to " + rounded(worst) +
-             " (column 100), by design."});
+             " (column " + std::to_string(worstColumn) + "), by design."});
     text.line("const float kWideCurve[4][kDenCurveColumns] = {");
     for (const std::vector<float>& row : rows) {
         text.line("    {");

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "tables/room_responses.h"
 #include "tables/widening_filters.h"
 
 namespace zoq::tables {
@@ -28,6 +29,20 @@ void report_checkpoints(std::ostream& out, const char* name, Bins filter,
     out << "\n";
 }
 
+void report_ears(std::ostream& out, const char* name, const Interaural& ears) {
+    out << name << format(": delay %.1f samples, level by octaves from 500 Hz", ears.delaySamples);
+    for (const double level : ears.levelDb) {
+        out << format(" %.1f", level);
+    }
+    out << " dB\n";
+}
+
+void report_rendering(std::ostream& out, const char* name, double width, const RenderingQuality& quality) {
+    out << name
+        << format(" at width %.1f: %.2f dB against the dry path, thirds deviate by %.2f dB, range %.1f dB\n",
+                  width, quality.levelDb, quality.colourationDb, quality.rangeDb);
+}
+
 }  // namespace
 
 void report_widening(std::ostream& out, Bins sameSide, Bins crossFeed, const Head& head) {
@@ -44,6 +59,32 @@ void report_widening(std::ostream& out, Bins sameSide, Bins crossFeed, const Hea
             out << format(" %.1f", level);
         }
         out << "\n";
+    }
+}
+
+void report_rooms(std::ostream& out, const RoomTables& rooms, const Head& head) {
+    for (int r = 0; r < android::kX2bResponses; ++r) {
+        const ResponseQuality q = measure_response(rooms, r);
+        const double azimuth = kResponsePlans[size_t(r)].azimuth;
+        out << format("response %d, azimuth %.0f: arrivals %d %d, bin 0 %.7g %.7g, energy ratio %.5f\n",
+                      r + 1, azimuth, q.arrival[0], q.arrival[1], q.bin0[0], q.bin0[1], q.energyRatio);
+        for (const auto& share : q.share) {
+            out << "   partitions:";
+            for (const double part : share) {
+                out << format(" %.5f (%.1f dB)", part, decibel(part));
+            }
+            out << "\n";
+        }
+        report_ears(out, "   ears", q.ears);
+        report_ears(out, "   head", interaural(head, {azimuth, 0.0}));
+        out << format(
+            "   tail: T60 %.3f s, correlation of the ears %.2f; wrap-around %.0f dB, imaginary at the edges "
+            "%g\n",
+            q.tailT60Seconds, q.tailCoherence, q.wrapAroundDb, q.edgeImaginary);
+    }
+    for (const double width : {0.2, 0.5, 0.7, 1.0}) {
+        report_rendering(out, "lateral", width, measure_lateral(rooms, width));
+        report_rendering(out, "centre ", width, measure_centre(rooms, width));
     }
 }
 

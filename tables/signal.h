@@ -3,6 +3,7 @@
 
 #include <complex>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace zoq::tables {
@@ -17,11 +18,26 @@ Signal inverse_transform(const Spectrum& bins);
 double energy(const Signal& x);
 double decibel(double power);
 
+// Mean of a spectrum of powers over a band of so many octaves around each bin.
+Signal octave_smooth(const Signal& power, double octaves);
+
+// The first taps of the response of least delay with these magnitudes, which are given for all bins; its end
+// fades.
+Signal minimum_phase(const Signal& magnitude, size_t taps);
+
+// A second-order section at 48 kHz, a0 = 1; in first-order ones b[2] and a[2] are 0.
+struct Section {
+    double b[3], a[3];
+};
+Section highpass(double hz);             // Butterworth, second order
+Section lowpass(double hz);              // first order
+Section shelf(double hz, double topDb);  // first order: 0 dB below hz, topDb above
+Signal filtered(const Section& section, const Signal& x);
+
 // 0 before from, 1 behind to, half a cosine between; from may lie above to.
 double raised_cosine(double x, double from, double to);
 
-// Where f, of different sign at the two ends, crosses zero: by bisection, so that it ends on every machine at
-// the same place.
-double find_root(const std::function<double(double)>& f, double low, double high);
+// Where f crosses zero, by bisection; nothing if it has the same sign at both ends.
+std::optional<double> find_root(const std::function<double(double)>& f, double low, double high);
 
 }  // namespace zoq::tables
