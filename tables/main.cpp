@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "tables/bass_sections.h"
 #include "tables/head.h"
 #include "tables/pan_curves.h"
 #include "tables/report.h"
@@ -81,7 +82,7 @@ const std::vector<std::string> kHeadSource = {
 
 std::vector<GeneratedFile> make_all() {
     using namespace zoq::tables;
-    return {transform_tables_file(), pan_curves_file(), widening_filters_file(),
+    return {transform_tables_file(), pan_curves_file(), bass_sections_file(), widening_filters_file(),
             room_responses_file(make_room_responses(load_head(kDefaultHeadFile)), kHeadSource)};
 }
 
