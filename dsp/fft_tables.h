@@ -5,10 +5,9 @@
 
 namespace android {
 
-extern const float kTwiddleCos[kBins];         // cos(2 pi j / 1024)
-extern const float kTwiddleForwardSin[kBins];  // -sin(2 pi j / 1024)
-extern const float kTwiddleInverseSin[kBins];  // +sin(2 pi j / 1024)
-extern const float
-    kSineWindow[kFrameSamples];  // sin(pi n / 1024); its square and that of its half shift sum to 1
+extern const float kTwiddleCos[kBins];          // cos(2 pi j / 1024)
+extern const float kTwiddleForwardSin[kBins];   // -sin(2 pi j / 1024)
+extern const float kTwiddleInverseSin[kBins];   // +sin(2 pi j / 1024)
+extern const float kSineWindow[kFrameSamples];  // sin(pi n / 1024); squares a half frame apart sum to 1
 
 }  // namespace android

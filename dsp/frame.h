@@ -15,8 +15,6 @@
 
 #include <cstdint>
 
-#include "dsp/numerics.h"
-
 namespace android {
 
 inline constexpr int kSampleRateHz = 48000;
@@ -27,6 +25,14 @@ inline constexpr int kGridStep = 3;
 inline constexpr int kGridPoints = (kHopSamples + kGridStep - 1) / kGridStep;
 
 static_assert(kHopSamples == 512 && kBins == 513 && kGridPoints == 171);
+
+// A count that a record holds as a float, truncated toward zero and kept within 0..limit; not-a-number is 0.
+constexpr int count_within(float count, int limit) {
+    if (!(count >= 1.0f)) {
+        return 0;
+    }
+    return count < float(limit) ? int(count) : limit;
+}
 
 // A complex value; arrays of it are interleaved re, im.
 struct creal32_T {

@@ -30,20 +30,16 @@ void b_filter(float* b, float* a, const float* x, const float* zi, float* y, flo
     filter(b, a, x, zi, y, zf);
 }
 
-int section_count(float count) {
-    if (!(count >= 1.0f)) {
-        return 0;
+void filter_matrix(const float* matrix, float count, float* io, Delays* delays) {
+    const int sections = count_within(count, kMaxSections);
+    for (int s = 0; s < sections; ++s) {
+        float b[3], a[3];
+        for (int j = 0; j < 3; ++j) {
+            b[j] = matrix[3 * j + s];
+            a[j] = matrix[3 * (j + 3) + s];
+        }
+        filter(b, a, io, delays[s].z, io, delays[s].z);
     }
-    return count < float(kMaxSections) ? int(count) : kMaxSections;
-}
-
-void filter_matrix_section(const float* matrix, int s, float* io, float* delays) {
-    float b[3], a[3];
-    for (int j = 0; j < 3; ++j) {
-        b[j] = matrix[3 * j + s];
-        a[j] = matrix[3 * (j + 3) + s];
-    }
-    filter(b, a, io, delays, io, delays);
 }
 
 }  // namespace android

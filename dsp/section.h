@@ -8,25 +8,28 @@
 namespace android {
 
 // One section over 512 samples, starting from and returning its two delays.
-//        b, a     3 floats        in/out  when a[0] is neither 0 nor 1, all six are divided by a[0] in place
-//        first x        512 samples     in zi       2 floats        in      delays before the hop y 512
+//        b, a     3 floats        in/out  when a[0] is neither 0 nor 1, all six are first divided by it in
+//        place x        512 samples     in zi       2 floats        in      delays before the hop y 512
 //        samples     out     may be x itself zf       2 floats        out     delays after the hop; may be zi
 //        itself
 void filter(float* b, float* a, const float* x, const float* zi, float* y, float* zf);
 void b_filter(float* b, float* a, const float* x, const float* zi, float* y, float* zf);
 
-// A section matrix holds up to three sections as 18 floats, coefficient-major: coefficient j (b0 b1 b2 a0 a1
-// a2) of section s at element 3 j + s.
+// A section matrix holds up to three sections as 18 floats, coefficient-major: coefficient j
+// (b0 b1 b2 a0 a1 a2) of section s at element 3 j + s.
 inline constexpr int kMaxSections = 3;
 inline constexpr int kSectionMatrixFloats = 6 * kMaxSections;
 
-// How many sections a record's float count asks for: truncated toward zero and kept within 0..3.
-int section_count(float count);
+// What one section of one channel carries from hop to hop.
+struct Delays {
+    float z[2];
+};
 
-// Runs section s of a matrix in place over one hop.
+// Runs the first sections of a matrix in place over one hop, each on the output of the one before.
 //        matrix   18 floats       in      never changed
+//        count    -               in      sections to run, truncated toward zero and kept within 0..3
 //        io       512 samples     in/out
-//        delays   2 floats        in/out
-void filter_matrix_section(const float* matrix, int s, float* io, float* delays);
+//        delays   3               in/out  one per section; those of sections that do not run stay as they are
+void filter_matrix(const float* matrix, float count, float* io, Delays* delays);
 
 }  // namespace android

@@ -88,13 +88,6 @@ float smoothing_coefficient(double seconds) {
     return float(std::exp(-1.0 / (seconds * kSampleRateHz)));
 }
 
-int channel_count(float channels) {
-    if (!(channels >= 1.0f)) {
-        return 0;
-    }
-    return channels < float(kMaxChannels) ? int(channels) : kMaxChannels;
-}
-
 float larger(float a, float b) {
     return b > a ? b : a;
 }
@@ -249,7 +242,7 @@ void dynamicRangeCompression_LC(float* io, float channels, const float* firstSta
         state.notEmpty = true;
         std::fill(state.channel, state.channel + kMaxChannels, ChannelState{kStartLevelDb, 0.0f, 0.0f});
     }
-    const int count = channel_count(channels);
+    const int count = count_within(channels, kMaxChannels);
     if (count == 0) {
         return;
     }

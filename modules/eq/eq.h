@@ -10,6 +10,8 @@
 
 namespace android {
 
+inline constexpr int kEqMaxFinalPasses = 1024;  // so that no record can stall a hop
+
 // Section counts are truncated and kept within 0..3. Section matrices as in dsp/section.h.
 struct parameterEQ {
     float peakSectionCount;                 // factory fill (0)
@@ -33,9 +35,10 @@ void factory_contents(parameterEQ* record);
 //        peakSos             18           in
 //        trebleSectionCount  0..3         in
 //        trebleSos           18           in
-//        trebleGain          linear       in       0 or less leaves the signal and the booster's memories
-//        alone finalSos            6            in finalPassCount      0 or more    in       truncated; kept
-//        within 0..3; every pass uses the same memories
+//        trebleGain          linear       in       0 or less: the booster and its memories stand still
+//        finalSos            6            in
+//        finalPassCount      0..1024      in       every pass uses the same memories
+// Counts are truncated toward zero and kept within the ranges given.
 void equalization_peak(float* io, float channels, float peakSectionCount, const float* peakSos,
                        float trebleSectionCount, const float* trebleSos, float trebleGain,
                        const float* finalSos, float finalPassCount);

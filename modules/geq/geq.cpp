@@ -24,10 +24,6 @@ struct Section {
     float b[3], a[3];
 };
 
-struct Delays {
-    float z[2];
-};
-
 struct State {
     float lastGainDb[kGeqMaxBands];  // reset: -100
     Section bands[kGeqMaxBands];     // survives a reset
@@ -36,13 +32,6 @@ struct State {
 };
 
 State state;
-
-int band_count(float bandCount) {
-    if (!(bandCount >= 1.0f)) {
-        return 0;
-    }
-    return bandCount < float(kGeqMaxBands) ? int(bandCount) : kGeqMaxBands;
-}
 
 void redesign_changed_bands(int bands, const float* gainDb, float Q, const float* warp) {
     for (int k = 0; k < bands; ++k) {
@@ -93,7 +82,7 @@ void il_iirpeaking2(float K, float gainDb, float Q, float* b, float* a) {
 
 void graphicalEQ(float* io, float channels, float bandCount, const float* bandGainDb, float bandQ,
                  const float* bandWarp) {
-    const int bands = band_count(bandCount);
+    const int bands = count_within(bandCount, kGeqMaxBands);
     redesign_changed_bands(bands, bandGainDb, bandQ, bandWarp);
     for (int k = 0; k < bands; ++k) {
         if (bandGainDb[k] == 0.0f) {

@@ -1,11 +1,180 @@
 #include "modules/vb/vb.h"
 
+#include <algorithm>
+
+#include "dsp/grid.h"
+#include "dsp/shared_value.h"
+#include "modules/vb/vb_tables.h"
+
 namespace android {
 
-void factory_contents(float, parameterVB*) {}
+namespace {
 
-void virtualbassFunction_monoLC(float*, float, const parameterVB*) {}
+// Everything but the section sets. The coefficients are exp(-1 / (16000 tau)), 16 kHz being the control
+// grid's rate.
+constexpr parameterVB kFactory = {
+    .harmonicGain = 1.9952623f,  // 10^(6/20)
+    .boostLin = 1.9952623f,
+    .compSlope = 0.2f,
+    .compOffsetDb = 12.0f,
+    .outputGain = 1.3182567f,  // 10^(2.4/20)
+    .lowpassSections = 2.0f,
+    .lowpassSos = {},
+    .inputHighpassSections = 0.0f,
+    .inputHighpassSos = {},
+    .bandHighpassSections = 0.0f,
+    .bandHighpassSos = {},
+    .harmonicLowpassSections = 0.0f,
+    .harmonicLowpassSos = {},
+    .fastAttack = 0.0019304542f,  // 10 us
+    .fastRelease = 0.9394131f,    // 1 ms
+    .slowAttack = 0.9993752f,     // 100 ms
+    .slowRelease = 0.9993752f,    // 100 ms
+    .gainSmoothing = 0.9937695f,  // 10 ms
+    .outputHighpassSections = 2.0f,
+    .outputHighpassSos = {},
+};
 
-void virtualbassFunction_monoLC_init() {}
+constexpr int kMaxChannels = 2;
+constexpr int kDefaultSet = 4;       // 120 Hz
+constexpr float kLogFloor = 1e-10f;  // keeps the logarithm of silence finite: -200 dB
+
+struct State {
+    Delays lowpass[kMaxSections];                       // reset: 0
+    Delays bandHighpass[kMaxSections];                  // reset: 0
+    Delays harmonicLowpass[kMaxSections];               // reset: 0
+    Delays inputHighpass[kMaxChannels][kMaxSections];   // reset: 0
+    Delays outputHighpass[kMaxChannels][kMaxSections];  // reset: 0
+    float fast, slow;                                   // envelopes; reset: 0
+    float gain;                                         // smoothed; reset: 1
+};
+
+constexpr State kReset = {
+    .lowpass = {},
+    .bandHighpass = {},
+    .harmonicLowpass = {},
+    .inputHighpass = {},
+    .outputHighpass = {},
+    .fast = 0.0f,
+    .slow = 0.0f,
+    .gain = 1.0f,
+};
+
+State state = kReset;
+
+const VbSections& sections_for(int cutoffHz) {
+    for (const VbSections& set : kVbSections) {
+        if (set.cutoffHz == cutoffHz) {
+            return set;
+        }
+    }
+    return kVbSections[kDefaultSet];
+}
+
+void mix_to_mono(const float* io, float channels, float* mono) {
+    if (channels <= 1.0f) {
+        std::copy_n(io, kHopSamples, mono);
+        return;
+    }
+    sum(io, mono);
+    for (int i = 0; i < kHopSamples; ++i) {
+        mono[i] = mono[i] * 0.5f;
+    }
+}
+
+void generate_harmonics(const float* bass, float c, float* harmonics) {
+    for (int k = 0; k < kGridPoints; ++k) {
+        const float x = bass[kGridStep * k];
+        harmonics[k] = x + (c * x) * x;
+    }
+}
+
+// Each point's coefficient depends on the follower's value before that point.
+void follow(const float* envelope, float attack, float release, float& last, float* followed) {
+    float value = last;
+    for (int k = 0; k < kGridPoints; ++k) {
+        const float c = envelope[k] > value ? attack : release;
+        value = (1.0f - c) * envelope[k] + c * value;
+        followed[k] = value + kLogFloor;
+    }
+    last = value;
+    b_log10(followed);
+}
+
+// Where the fast envelope leaves the slow one behind, less compOffsetDb, the gain falls.
+void compute_gain(const parameterVB& p, const float* fast, const float* slow, float* gain) {
+    float exponent[kGridPoints];
+    for (int k = 0; k < kGridPoints; ++k) {
+        const float excessDb = 20.0f * fast[k] - (20.0f * slow[k] - p.compOffsetDb);
+        const float gate = excessDb > 0.0f ? 1.0f : 0.0f;
+        exponent[k] = -(gate * (p.compSlope * excessDb)) * 0.05f;
+    }
+    power(10.0f, exponent, gain);
+}
+
+void smooth_and_boost(const parameterVB& p, const float* gain, float& last, float* harmonics) {
+    const float boostLin = load_shared(p.boostLin);
+    float smoothed = last;
+    for (int k = 0; k < kGridPoints; ++k) {
+        smoothed = (1.0f - p.gainSmoothing) * gain[k] + p.gainSmoothing * smoothed;
+        harmonics[k] = boostLin * ((smoothed * p.outputGain) * harmonics[k]);
+    }
+    last = smoothed;
+}
+
+// From the mono hop's bass band to what is added to every channel, in place.
+void process_bass(const parameterVB& p, float* bass) {
+    filter_matrix(p.lowpassSos, p.lowpassSections, bass, state.lowpass);
+    filter_matrix(p.bandHighpassSos, p.bandHighpassSections, bass, state.bandHighpass);
+    float harmonics[kGridPoints], envelope[kGridPoints], fast[kGridPoints], slow[kGridPoints],
+        gain[kGridPoints];
+    generate_harmonics(bass, p.harmonicGain, harmonics);
+    b_abs(harmonics, envelope);
+    follow(envelope, p.fastAttack, p.fastRelease, state.fast, fast);
+    follow(envelope, p.slowAttack, p.slowRelease, state.slow, slow);
+    compute_gain(p, fast, slow, gain);
+    smooth_and_boost(p, gain, state.gain, harmonics);
+    interp1_fac3(harmonics, bass);
+    filter_matrix(p.harmonicLowpassSos, p.harmonicLowpassSections, bass, state.harmonicLowpass);
+}
+
+void add_bass(const parameterVB& p, const float* bass, float* io, Delays* inputDelays) {
+    filter_matrix(p.inputHighpassSos, p.inputHighpassSections, io, inputDelays);
+    for (int i = 0; i < kHopSamples; ++i) {
+        io[i] = io[i] + bass[i];
+    }
+}
+
+}  // namespace
+
+void factory_contents(float cutoffHz, parameterVB* record) {
+    const VbSections& set = sections_for(count_within(cutoffHz, kSampleRateHz));
+    *record = kFactory;
+    std::copy_n(set.lowpassSos, kSectionMatrixFloats, record->lowpassSos);
+    std::copy_n(set.inputHighpassSos, kSectionMatrixFloats, record->inputHighpassSos);
+    std::copy_n(set.bandHighpassSos, kSectionMatrixFloats, record->bandHighpassSos);
+    std::copy_n(kVbHarmonicLowpassSos, kSectionMatrixFloats, record->harmonicLowpassSos);
+    std::copy_n(set.outputHighpassSos, kSectionMatrixFloats, record->outputHighpassSos);
+}
+
+void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters) {
+    const parameterVB& p = *parameters;
+    float bass[kHopSamples];
+    mix_to_mono(io, channels, bass);
+    process_bass(p, bass);
+    const int count = count_within(channels, kMaxChannels);
+    for (int c = 0; c < count; ++c) {
+        add_bass(p, bass, io + c * kHopSamples, state.inputHighpass[c]);
+    }
+    filter_matrix(p.outputHighpassSos, p.outputHighpassSections, io, state.outputHighpass[0]);
+    if (channels == 2.0f) {
+        filter_matrix(p.outputHighpassSos, p.outputHighpassSections, io + kHopSamples,
+                      state.outputHighpass[1]);
+    }
+}
+
+void virtualbassFunction_monoLC_init() {
+    state = kReset;
+}
 
 }  // namespace android

@@ -43,7 +43,7 @@ void factory_contents(float cutoffHz, parameterVB* record);
 
 // Processes one hop in place.
 //        argument    shape           direction
-//        io          2 x 512         in/out   channel 1 is touched only when channels is 2.0
+//        io          2 x 512         in/out   channel 1 is touched only when channels is 2 or more
 //        channels    1.0 or 2.0      in
 //        parameters  record          in
 void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters);

@@ -1,0 +1,185 @@
+#include "dsp/fft.h"
+
+#include <gtest/gtest.h>
+
+#include <complex>
+#include <cstring>
+
+#include "tests/support/signals.h"
+
+namespace android {
+namespace {
+
+using Spectrum = std::vector<creal32_T>;
+using Exact = std::vector<std::complex<double>>;
+
+constexpr size_t kN = kFrameSamples;
+
+// Taken before the first transform of the process can have run.
+const bool tableEmptyAtStart = fft_table_flag == 0 && fft_table[1] == 0 && fft_table[1023] == 0;
+
+Spectrum complex_noise(uint32_t seed) {
+    const std::vector<float> v = signals::noise(seed, 2 * kN);
+    Spectrum x(kN);
+    std::memcpy(x.data(), v.data(), sizeof(float) * v.size());
+    return x;
+}
+
+Exact exact(const Spectrum& x) {
+    Exact z;
+    for (creal32_T v : x) {
+        z.emplace_back(v.re, v.im);
+    }
+    return z;
+}
+
+Exact exact(const std::vector<float>& x) {
+    return Exact(x.begin(), x.end());
+}
+
+// The sum as it is defined, in double precision; sign -1 forward, +1 inverse (not scaled).
+Exact naive(const Exact& x, int sign) {
+    Exact y(kN);
+    for (size_t k = 0; k < kN; ++k) {
+        for (size_t n = 0; n < kN; ++n) {
+            const auto turn = double(n * k % kN) / double(kN);
+            y[k] += x[n] * std::polar(1.0, sign * 2.0 * std::numbers::pi * turn);
+        }
+    }
+    return y;
+}
+
+template <typename Transform, typename Input>
+Spectrum run(Transform transform, const Input& x) {
+    Spectrum y(kN);
+    transform(x.data(), y.data());
+    return y;
+}
+
+// The rms of the difference over the rms of the exact values, for the first bins of both.
+double relative_error(const Spectrum& y, const Exact& reference) {
+    double error = 0.0, power = 0.0;
+    for (size_t k = 0; k < y.size(); ++k) {
+        error += std::norm(std::complex<double>(y[k].re, y[k].im) - reference[k]);
+        power += std::norm(reference[k]);
+    }
+    return std::sqrt(error / power);
+}
+
+bool same_bits(const Spectrum& a, const Spectrum& b) {
+    return std::memcmp(a.data(), b.data(), a.size() * sizeof(creal32_T)) == 0;
+}
+
+// The bound the header states, twice what ten stages of independent roundings near 3.5e-8 rms add up to.
+constexpr double kBound = 2.5e-7;
+
+TEST(Fft, BuildsItsTableOnceAtTheFirstCall) {
+    EXPECT_TRUE(tableEmptyAtStart);
+    const Spectrum x = complex_noise(1);
+    const Spectrum y = run(fft, x);
+    EXPECT_EQ(fft_table_flag, 1);
+    for (int i = 0; i < kFrameSamples; ++i) {
+        int reversed = 0;
+        for (int bit = 0; bit < 10; ++bit) {
+            reversed |= (i >> bit & 1) << (9 - bit);
+        }
+        ASSERT_EQ(fft_table[i], reversed);
+    }
+    // The table is the one in use and is left alone while the flag stands.
+    std::swap(fft_table[3], fft_table[700]);
+    EXPECT_FALSE(same_bits(run(fft, x), y));
+    EXPECT_NE(fft_table[3], 768);
+    fft_table_flag = 0;
+    EXPECT_TRUE(same_bits(run(ifft, run(fft, x)), run(ifft, y)));
+
+    int small[8];
+    init_fft_index_table(8, small);
+    EXPECT_EQ(std::vector<int>(small, small + 8), (std::vector<int>{0, 4, 2, 6, 1, 5, 3, 7}));
+}
+
+TEST(Fft, AgreesWithTheSum) {
+    const Spectrum x = complex_noise(2);
+    const std::vector<float> real = signals::speech_like(3, kN);
+    EXPECT_LT(relative_error(run(fft, x), naive(exact(x), -1)), kBound);
+    EXPECT_LT(relative_error(run(b_fft, x), naive(exact(x), -1)), kBound);
+    EXPECT_LT(relative_error(run(c_fft, real), naive(exact(real), -1)), kBound);
+    Exact inverse = naive(exact(x), +1);
+    for (auto& value : inverse) {
+        value /= double(kN);
+    }
+    EXPECT_LT(relative_error(run(ifft, x), inverse), kBound);
+    EXPECT_LT(relative_error(run(ifft, run(fft, x)), exact(x)), 2 * kBound);
+}
+
+TEST(Fft, KnownSpectra) {
+    for (const creal32_T& bin : run(c_fft, signals::impulse(0, kN))) {
+        ASSERT_EQ(bin.re, 1.0f);
+        ASSERT_EQ(bin.im, 0.0f);
+    }
+    const std::vector<float> ones(kN, 1.0f);
+    const Spectrum constant = run(c_fft, ones);
+    for (size_t k = 0; k < kN; ++k) {
+        ASSERT_EQ(constant[k].re, k == 0 ? 1024.0f : 0.0f) << k;
+        ASSERT_EQ(constant[k].im, 0.0f) << k;
+    }
+    for (const creal32_T& sample : run(ifft, constant)) {
+        ASSERT_EQ(sample.re, 1.0f);
+    }
+    const Spectrum cosine = run(c_fft, signals::sine(4 * 46.875, kN, 1.0f, std::numbers::pi / 2));
+    for (size_t k = 0; k < kN; ++k) {
+        ASSERT_NEAR(cosine[k].re, k == 4 || k == 1020 ? 512.0f : 0.0f, 2e-4f) << k;  // kBound of 512
+        ASSERT_NEAR(cosine[k].im, 0.0f, 2e-4f) << k;
+    }
+}
+
+TEST(Fft, RealInputGivesAConjugateSpectrum) {
+    const Spectrum y = run(c_fft, signals::noise(5, kN));
+    EXPECT_EQ(y[0].im, 0.0f);
+    EXPECT_EQ(y[512].im, 0.0f);
+    for (size_t k = 1; k < 512; ++k) {
+        ASSERT_NEAR(y[1024 - k].re, y[k].re, 2e-5f) << k;  // bins of 18 rms
+        ASSERT_NEAR(y[1024 - k].im, -y[k].im, 2e-5f) << k;
+    }
+}
+
+TEST(Fft, TheVariantsAndRepeatsGiveTheSameBits) {
+    const Spectrum x = complex_noise(6);
+    const Spectrum y = run(fft, x);
+    EXPECT_TRUE(same_bits(run(fft, x), y));
+    EXPECT_TRUE(same_bits(run(b_fft, x), y));
+    EXPECT_TRUE(same_bits(run(ifft, x), run(ifft, x)));
+    const std::vector<float> real = signals::noise(7, kN);
+    Spectrum widened;
+    for (float sample : real) {
+        widened.push_back({sample, 0.0f});
+    }
+    EXPECT_TRUE(same_bits(run(c_fft, real), run(fft, widened)));
+}
+
+TEST(Fft, TwoRealFramesShareOneTransform) {
+    const std::vector<float> left = signals::speech_like(8, kN), right = signals::noise(9, kN, 0.1f);
+    Spectrum leftHalf(kBins), rightHalf(kBins), frame(kN);
+    split_stereo_spectrum(left.data(), right.data(), leftHalf.data(), rightHalf.data());
+    // What one channel rounds shows in the other, so the error is judged against both together.
+    const Exact a = naive(exact(left), -1), b = naive(exact(right), -1);
+    double power = 0.0, error = 0.0;
+    for (size_t k = 0; k < kBins; ++k) {
+        error += std::norm(std::complex<double>(leftHalf[k].re, leftHalf[k].im) - a[k]);
+        error += std::norm(std::complex<double>(rightHalf[k].re, rightHalf[k].im) - b[k]);
+        power += std::norm(a[k]) + std::norm(b[k]);
+    }
+    EXPECT_LT(std::sqrt(error / power), kBound);
+
+    merge_stereo_spectrum(leftHalf.data(), rightHalf.data(), frame.data());
+    Exact pair = exact(left);
+    for (size_t n = 0; n < kN; ++n) {
+        pair[n] += std::complex<double>(0.0, right[n]);
+    }
+    EXPECT_LT(relative_error(frame, pair), 2 * kBound);
+
+    merge_mono_spectrum(leftHalf.data(), frame.data());
+    EXPECT_LT(relative_error(frame, exact(left)), 2 * kBound);
+}
+
+}  // namespace
+}  // namespace android

@@ -1,0 +1,88 @@
+#include "dsp/grid.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/signals.h"
+
+namespace android {
+namespace {
+
+using Floats = std::vector<float>;
+
+constexpr size_t kGrid = kGridPoints, kHop = kHopSamples;
+constexpr float kFence = 777.0f;  // behind every output: what lies beyond is not written
+
+template <typename Routine>
+Floats run(size_t count, Routine routine) {
+    Floats y(count + 1, kFence);
+    routine(y.data());
+    EXPECT_EQ(y.back(), kFence);
+    y.pop_back();
+    return y;
+}
+
+TEST(Grid, PowersAndLogarithmsAreRoundedOnce) {
+    Floats x = signals::noise(1, kGrid, 9.0f);
+    x[0] = 0.0f;
+    x[1] = 1.0f;
+    x[2] = -1.0f;
+    Floats y = run(kGrid, [&](float* out) { power(10.0f, x.data(), out); });
+    EXPECT_EQ(Floats(y.begin(), y.begin() + 3), (Floats{1.0f, 10.0f, 0.1f}));
+    for (size_t k = 0; k < kGrid; ++k) {
+        ASSERT_EQ(y[k], float(std::exp2(std::log2(10.0L) * x[k]))) << x[k];
+    }
+    y[0] = 0.0f;
+    y[1] = 1.0f;
+    y[2] = 100.0f;
+    Floats logs = y;
+    b_log10(logs.data());
+    EXPECT_EQ(Floats(logs.begin(), logs.begin() + 3), (Floats{-INFINITY, 0.0f, 2.0f}));
+    for (size_t k = 3; k < kGrid; ++k) {
+        ASSERT_EQ(logs[k], float(std::log2(static_cast<long double>(y[k])) / std::log2(10.0L)));
+    }
+}
+
+TEST(Grid, InterpolatesAlongStraightLines) {
+    const Floats x = signals::noise(2, kGrid);
+    const Floats y = run(kHop, [&](float* out) { interp1_fac3(x.data(), out); });
+    for (size_t n = 0; n < kHop; ++n) {
+        const size_t j = std::min(n / 3, kGrid - 2);  // the last line is drawn on
+        const double along = double(n) / 3.0 - double(j);
+        const double line = double(x[j]) * (1.0 - along) + double(x[j + 1]) * along;
+        ASSERT_NEAR(y[n], line, 5e-7) << n;  // four roundings of values up to 5
+        if (n % 3 == 0) {
+            ASSERT_EQ(y[n], x[n / 3]);
+        }
+    }
+    const Floats constant(kGrid, 0.625f);
+    EXPECT_EQ(run(kHop, [&](float* out) { interp1_fac3(constant.data(), out); }), Floats(kHop, 0.625f));
+}
+
+TEST(Grid, ElementWiseRoutines) {
+    const Floats x = signals::noise(3, 2 * kHop);
+    Floats magnitude, added, divided;
+    for (size_t i = 0; i < kHop; ++i) {
+        magnitude.push_back(x[i] < 0.0f ? -x[i] : x[i]);
+        added.push_back(x[i] + x[kHop + i]);
+        divided.push_back(x[i] / 3.0f);
+    }
+    const auto first = [](const Floats& all, size_t count) {
+        return Floats(all.begin(), all.begin() + count);
+    };
+    EXPECT_EQ(run(kGrid, [&](float* y) { b_abs(x.data(), y); }), first(magnitude, kGrid));
+    EXPECT_EQ(run(2, [&](float* y) { c_abs(x.data(), y); }), first(magnitude, 2));
+    EXPECT_EQ(run(3, [&](float* y) { d_abs(x.data(), y); }), first(magnitude, 3));
+    EXPECT_EQ(run(kHop, [&](float* y) { sum(x.data(), y); }), added);
+    EXPECT_EQ(run(kHop, [&](float* y) { b_rdivide(x.data(), 3.0f, y); }), divided);
+    EXPECT_EQ(run(4, [&](float* y) { squeeze(x.data(), y); }), first(x, 4));
+    EXPECT_EQ(run(2, [&](float* y) { b_squeeze(x.data(), y); }), first(x, 2));
+    EXPECT_EQ(rdivide(1.0f, 3.0f), 0.33333334f);
+    EXPECT_EQ(rdivide(1.0f, 0.0f), INFINITY);
+    float negative[3] = {-0.0f, -INFINITY, 1.0f};
+    d_abs(negative, negative);
+    EXPECT_FALSE(std::signbit(negative[0]));
+    EXPECT_EQ(negative[1], INFINITY);
+}
+
+}  // namespace
+}  // namespace android

@@ -1,0 +1,129 @@
+#include "dsp/section.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/section_model.h"
+#include "tests/support/signals.h"
+
+namespace android {
+namespace {
+
+constexpr size_t kHop = kHopSamples;
+
+struct Coefficients {
+    float b[3], a[3];
+};
+
+// Low-pass at 80 Hz, peak at 1 kHz, high-pass at 10 kHz: the kinds the modules run.
+constexpr Coefficients kSections[] = {
+    {{2.72e-5f, 5.44e-5f, 2.72e-5f}, {1.0f, -1.99190795f, 0.99201721f}},
+    {{1.0432f, -1.8949f, 0.8677f}, {1.0f, -1.8949f, 0.9109f}},
+    {{0.5658262f, -0.5658262f, 0.0f}, {1.0f, -0.1316525f, 0.0f}},
+};
+
+// All of x, hop by hop, from zero delays.
+std::vector<float> run(Coefficients c, const std::vector<float>& x) {
+    std::vector<float> y(x.size());
+    float z[2] = {};
+    for (size_t at = 0; at < x.size(); at += kHop) {
+        filter(c.b, c.a, &x[at], z, &y[at], z);
+    }
+    return y;
+}
+
+TEST(Section, FollowsTheDifferenceEquationAcrossHops) {
+    const std::vector<float> x = signals::noise(1, 40 * kHop);
+    for (const Coefficients& c : kSections) {
+        const std::vector<float> y = run(c, x);
+        SectionModel model(c.b, c.a);
+        std::vector<float> error;
+        for (size_t n = 0; n < x.size(); ++n) {
+            error.push_back(float(double(y[n]) - model(double(x[n]))));
+        }
+        // Each sample rounds five products and sums to 2^-25 of values of the size of the output and of a1
+        // times it; the recursion amplifies them as it does white noise.
+        const double level = std::max(signals::rms(y), signals::rms(x) * double(c.b[0]));
+        EXPECT_LT(signals::rms(error), 5.0 * 0x1p-25 * model.noise_gain() * level);
+    }
+}
+
+TEST(Section, WorksInPlaceAndUnderBothNames) {
+    std::vector<float> x = signals::noise(2, kHop), y(kHop), second(kHop);
+    Coefficients c = kSections[1];
+    float before[2] = {0.25f, -0.5f}, after[2], z[2] = {0.25f, -0.5f};
+    filter(c.b, c.a, x.data(), before, y.data(), after);
+    EXPECT_EQ(before[0], 0.25f);
+    b_filter(c.b, c.a, x.data(), before, second.data(), after);
+    EXPECT_EQ(second, y);
+    filter(c.b, c.a, x.data(), z, x.data(), z);
+    EXPECT_EQ(x, y);
+    EXPECT_EQ(z[0], after[0]);
+    EXPECT_EQ(z[1], after[1]);
+}
+
+TEST(Section, TheIdentityPaysOutItsDelays) {
+    const std::vector<float> x = signals::noise(3, kHop);
+    std::vector<float> y(kHop), expected = x;
+    Coefficients c = {{1.0f, 0.0f, 0.0f}, {1.0f, 0.0f, 0.0f}};
+    float z[2] = {0.5f, 0.25f};
+    filter(c.b, c.a, x.data(), z, y.data(), z);
+    expected[0] += 0.5f;
+    expected[1] += 0.25f;
+    EXPECT_EQ(y, expected);
+    EXPECT_EQ(z[0], 0.0f);
+    EXPECT_EQ(z[1], 0.0f);
+}
+
+TEST(Section, NormalisesByA0UnlessItIsZeroOrOne) {
+    const std::vector<float> x = signals::noise(4, kHop);
+    const std::vector<float> expected = run(kSections[1], x);
+    for (float a0 : {0.0f, 1.0f, 2.0f}) {
+        Coefficients c = kSections[1];
+        const float scale = a0 == 2.0f ? 2.0f : 1.0f;
+        for (int j = 0; j < 3; ++j) {
+            c.b[j] *= scale;
+            c.a[j] *= scale;
+        }
+        c.a[0] = a0;
+        std::vector<float> y(kHop);
+        const float zero[2] = {};
+        float z[2];
+        filter(c.b, c.a, x.data(), zero, y.data(), z);
+        EXPECT_EQ(y, expected) << a0;
+        EXPECT_EQ(c.a[0], a0 == 0.0f ? 0.0f : 1.0f);
+        for (int j = 0; j < 3; ++j) {
+            EXPECT_EQ(c.b[j], kSections[1].b[j]);
+            EXPECT_EQ(c.a[j], j == 0 ? c.a[0] : kSections[1].a[j]);
+        }
+    }
+}
+
+TEST(Section, AMatrixRunsItsFirstSectionsInOrder) {
+    float matrix[kSectionMatrixFloats];
+    for (int s = 0; s < kMaxSections; ++s) {
+        for (int j = 0; j < 3; ++j) {
+            matrix[3 * j + s] = kSections[s].b[j];
+            matrix[3 * j + 9 + s] = kSections[s].a[j];
+        }
+    }
+    const std::vector<float> x = signals::noise(5, kHop);
+    std::vector<float> expected = x;
+    const float hostile[] = {-1e30f, -1.0f, 0.99f, NAN, 1.99f, 2.5f, 3.0f, 4.0f, 1e30f, INFINITY};
+    const int sections[] = {0, 0, 0, 0, 1, 2, 3, 3, 3, 3};
+    for (int i = 0, ran = 0; i < 10; ++i) {
+        for (; ran < sections[i]; ++ran) {
+            expected = run(kSections[ran], expected);
+        }
+        std::vector<float> io = x;
+        Delays delays[kMaxSections] = {};
+        filter_matrix(matrix, hostile[i], io.data(), delays);
+        EXPECT_EQ(io, expected) << hostile[i];
+        for (int s = sections[i]; s < kMaxSections; ++s) {
+            EXPECT_EQ(delays[s].z[0], 0.0f);
+            EXPECT_EQ(delays[s].z[1], 0.0f);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace android

@@ -1,0 +1,415 @@
+#include "modules/den/den.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <deque>
+#include <limits>
+
+#include "tests/support/dft.h"
+#include "tests/support/signals.h"
+
+using namespace android;
+
+namespace {
+
+constexpr size_t kFrame = kFrameSamples, kHop = kHopSamples;
+
+struct Setting {
+    float speech, base, wide, stereo;
+};
+
+// Has a curve with a positive constant, where pans jump from -0.05 to 0.05 between left and right.
+constexpr float kJumpingWide = 3.6f;
+constexpr int kJumpingColumn = 90;
+
+// The factory's bands with pan curves of the test's own: u + s (u - u^3) pushes outward the more, the higher
+// the column.
+parameterDEN test_record() {
+    parameterDEN record{};
+    factory_contents(&record);
+    for (int column = 1; column <= kDenCurveColumns; ++column) {
+        const float s = 0.01f * static_cast<float>(column);
+        const float curve[] = {-s, 0.0f, 1.0f + s, column == kJumpingColumn ? 0.05f : -0.02f * s};
+        for (int row = 0; row < 4; ++row) {
+            record.wideCurve[row][column - 1] = curve[row];
+        }
+    }
+    return record;
+}
+
+const parameterDEN kRecord = test_record();
+
+void enhance(std::vector<float>& io, const Setting& s) {
+    DialogueEnhancementWide(io.data(), kRecord.smoothFactor, s.speech, s.base, s.wide, s.stereo,
+                            &kRecord.wideCurve[0][0], kRecord.bandEnd, kRecord.bandStart);
+}
+
+// What the module is to do, in double precision, in terms of magnitudes and with transforms from the
+// definition.
+class Model {
+  public:
+    std::vector<double> enhance(const std::vector<float>& io, const Setting& s) {
+        const bool unity = s.speech == 1.0f && s.base == 1.0f, plain = unity && s.wide == 0.0f;
+        std::vector<double> out(io.begin(), io.end());
+        if (plain && s.stereo == 1.0f) {
+            std::transform(out.begin(), out.end(), out.begin(), [](double x) { return x / 2.0; });
+            return out;
+        }
+        hops_.push_front(hops_.back());
+        hops_.pop_back();
+        l_ = spectrum_of(out, 0);
+        r_ = spectrum_of(out, 1);
+        c_.assign(dft::kBins, 0.0);
+        if (s.wide > 0.0f) {
+            widen(
+                static_cast<size_t>(std::clamp(std::floor(25.0 * static_cast<double>(s.wide)), 1.0, 100.0)));
+        }
+        if (!unity || s.stereo != 1.0f) {
+            extract(!plain);
+        }
+        if (s.speech > 1.0f) {
+            boost(static_cast<double>(s.speech), static_cast<double>(s.base));
+        }
+        const auto left = dft::frame_of(l_), right = dft::frame_of(r_), centre = dft::frame_of(c_);
+        for (size_t n = 0; n < kFrame; ++n) {
+            const double w = window(n), c = centre[n] * w, fold = s.stereo != 0.0f ? c : 0.0;
+            out[n] = (plain ? 0.5 * out[n] - c : left[n] * w) + fold;
+            out[kFrame + n] = (plain ? 0.5 * out[kFrame + n] - c : right[n] * w) + fold;
+            out[2 * kFrame + n] = c - fold;
+        }
+        return out;
+    }
+
+  private:
+    struct Hop {
+        std::array<double, 33> centre{}, side{};
+    };
+
+    static double window(size_t n) { return std::sin(std::numbers::pi * static_cast<double>(n) / 1024.0); }
+
+    static dft::HalfSpectrum spectrum_of(const std::vector<double>& io, size_t channel) {
+        std::vector<double> x(io.data() + channel * kFrame, io.data() + (channel + 1) * kFrame);
+        for (size_t n = 0; n < kFrame; ++n) {
+            x[n] *= window(n);
+        }
+        return dft::half_spectrum(std::span<const double>(x));
+    }
+
+    // Level in the right channel, and with -p in the left.
+    static double pan_law(double p) {
+        const double x = 0.5 * (p + 1.0);
+        return std::clamp(-0.8338 * x * x + 1.8762 * x - 0.0235, 0.0, 1.0);
+    }
+
+    void widen(size_t column) {
+        const auto curve = [column](int row) {
+            return static_cast<double>(kRecord.wideCurve[row][column - 1]);
+        };
+        for (size_t k = 31; k <= 255; ++k) {
+            const double l = std::abs(l_[k]), r = std::abs(r_[k]);
+            const double p = (1.0 - 2.0 * l * r / (l * l + r * r + 1e-15)) * double(r > l   ? 1
+                                                                                    : r < l ? -1
+                                                                                            : 0);
+            const double u = std::abs(p);
+            const double moved =
+                curve(0) * std::pow(u, 3) + curve(1) * std::pow(u, 2) + curve(2) * u + curve(3);
+            const double q = std::copysign(std::clamp(moved, 0.0, 1.0), p > 0.0 ? 1.0 : -1.0);
+            l_[k] *= pan_law(-q) / (pan_law(-p) + 1e-15);
+            r_[k] *= pan_law(q) / (pan_law(p) + 1e-15);
+        }
+    }
+
+    template <typename Body>
+    static void for_bins(size_t band, Body body) {
+        for (auto k = static_cast<size_t>(kRecord.bandStart[band]); k <= size_t(kRecord.bandEnd[band]); ++k) {
+            body(k - 1);
+        }
+    }
+
+    void extract(bool subtract) {
+        for (size_t j = 0; j < 34; ++j) {
+            dft::Complex side, mid;
+            for_bins(j, [&](size_t k) { side += l_[k] - r_[k], mid += l_[k] + r_[k]; });
+            const double a = static_cast<double>(kRecord.smoothFactor);
+            side_[j] = a * side_[j] + (1.0 - a) * std::norm(side);
+            mid_[j] = a * mid_[j] + (1.0 - a) * std::norm(mid);
+            const double gain = std::max(0.0, 0.5 - 0.5 * std::sqrt(side_[j] / (mid_[j] + 1e-4)));
+            for_bins(j, [&](size_t k) {
+                c_[k] = side_[j] > mid_[j] ? 0.0 : gain * (l_[k] + r_[k]);
+                l_[k] -= subtract ? c_[k] : 0.0;
+                r_[k] -= subtract ? c_[k] : 0.0;
+            });
+        }
+    }
+
+    void boost(double speech, double base) {
+        hops_[0] = Hop{};
+        for (size_t j = 0; j < 33; ++j) {
+            double centre = 0.0, side = 0.0;
+            for_bins(j, [&](size_t k) {
+                hops_[0].centre[j] += std::abs(c_[k]);
+                hops_[0].side[j] += std::abs(l_[k] - r_[k]);
+                centre += std::norm(c_[k]);
+                side += std::norm(l_[k] - r_[k]);
+            });
+            centreEnergy_[j] += 0.2 * (centre - centreEnergy_[j]);
+            sideEnergy_[j] += 0.2 * (side - sideEnergy_[j]);
+        }
+        double centreMoves = 0.0, sideMoves = 0.0;
+        for (size_t j = 3; j <= 30; ++j) {
+            const auto& h = hops_;
+            centreMoves += std::pow(h[0].centre[j] + h[1].centre[j] - h[2].centre[j] - h[3].centre[j], 2);
+            sideMoves += std::pow(h[0].side[j] + h[1].side[j] - h[2].side[j] - h[3].side[j], 2);
+        }
+        const double x = centreMoves > 20.0 ? 4.0 * centreMoves / (centreMoves + sideMoves) - 2.0 : -2.0;
+        activity_ += (x < activity_ ? 0.02 : 0.3) * (x - activity_);
+        for (size_t j = 0; j < 33; ++j) {
+            const double share = std::sqrt(centreEnergy_[j] / (centreEnergy_[j] + sideEnergy_[j] + 1e-4));
+            const double gain = base + std::clamp(activity_, 0.0, 1.0) * (speech - 1.0) * share;
+            for_bins(j, [&](size_t k) { c_[k] *= gain, l_[k] *= gain, r_[k] *= gain; });
+        }
+    }
+
+    dft::HalfSpectrum l_, r_, c_;
+    std::array<double, 34> side_{}, mid_{}, centreEnergy_{}, sideEnergy_{};
+    std::deque<Hop> hops_ = std::deque<Hop>(4);
+    double activity_ = 0.0;
+};
+
+using Stereo = std::array<std::vector<float>, 2>;
+
+// Block 2 holds what only the bypass may read.
+std::vector<float> frame_of(const Stereo& x, size_t hop) {
+    std::vector<float> io(3 * kFrame, 0.25f);
+    std::copy_n(x[0].data() + hop * kHop, kFrame, io.data());
+    std::copy_n(x[1].data() + hop * kHop, kFrame, io.data() + kFrame);
+    return io;
+}
+
+// The module over a whole stream, overlap-added: left, right, centre.
+std::array<std::vector<float>, 3> enhanced(const Stereo& x, const Setting& setting) {
+    std::array<std::vector<float>, 3> out;
+    out.fill(std::vector<float>(x[0].size(), 0.0f));
+    bdiff_sm_not_empty_init();
+    for (size_t hop = 0; hop * kHop + kFrame <= x[0].size(); ++hop) {
+        std::vector<float> io = frame_of(x, hop);
+        enhance(io, setting);
+        for (size_t i = 0; i < 3 * kFrame; ++i) {
+            out[i / kFrame][hop * kHop + i % kFrame] += io[i];
+        }
+    }
+    return out;
+}
+
+std::vector<float> mixed(float a, const std::vector<float>& x, float b, const std::vector<float>& y) {
+    std::vector<float> sum(x.size());
+    for (size_t n = 0; n < x.size(); ++n) {
+        sum[n] = a * x[n] + b * y[n];
+    }
+    return sum;
+}
+
+// Leaves out the first and last hops, whose overlap partners are missing, and what the smoothing takes to
+// settle.
+std::span<const float> settled(const std::vector<float>& x, size_t hops = 1) {
+    return std::span(x).subspan(hops * kHop, x.size() - (hops + 1) * kHop);
+}
+
+double settled_rms(const std::vector<float>& x) {
+    return signals::rms(settled(x, 30));
+}
+
+// Speech near the middle, noise around it, a beeping left, a clicking right and silent stretches.
+Stereo programme(size_t samples, float speechPeak = 4.0f, float noisePeak = 0.05f) {
+    const auto speech = signals::speech_like(5, samples, speechPeak),
+               beep = signals::sine(3000.0, samples, 0.2f);
+    Stereo x{mixed(0.9f, speech, noisePeak, signals::noise(6, samples)),
+             mixed(0.8f, speech, noisePeak, signals::noise(7, samples))};
+    for (size_t n = 0; n < samples; ++n) {
+        x[0][n] += n / 8000 % 2 == 1 ? beep[n] : 0.0f;
+        x[1][n] += n % 3001 == 0 ? 0.7f : 0.0f;
+        if (n / 4096 % 5 == 3) {
+            x[0][n] = x[1][n] = 0.0f;
+        }
+    }
+    return x;
+}
+
+// Five hops with each setting. The transforms round at 4e-7 of a frame's peak, here near 1, and gains
+// reach 3.
+void expect_equals_model(const Stereo& x, std::span<const Setting> settings) {
+    Model model;
+    bdiff_sm_not_empty_init();
+    for (size_t hop = 0; hop < 5 * settings.size(); ++hop) {
+        std::vector<float> io = frame_of(x, hop);
+        const std::vector<double> expected = model.enhance(io, settings[hop / 5]);
+        enhance(io, settings[hop / 5]);
+        for (size_t i = 0; i < io.size(); ++i) {
+            ASSERT_NEAR(io[i], expected[i], 2e-6) << "hop " << hop << " sample " << i;
+        }
+    }
+}
+
+}  // namespace
+
+TEST(Den, EqualsTheModelWhileSettingsChange) {
+    const Setting settings[] = {
+        {2.0f, 1.0f, 0.0f, 0.0f},  {2.0f, 1.0f, 3.0f, 0.0f},  {1.0f, 1.0f, 0.0f, 0.0f},
+        {1.0f, 1.0f, 2.0f, 1.0f},  {3.0f, 0.5f, 3.99f, 1.0f}, {1.0f, 1.0f, 0.0f, 1.0f},
+        {1.5f, 1.0f, 0.0f, 1.0f},  {1.0f, 1.0f, 0.0f, 0.5f},  {0.5f, 2.0f, 0.0f, 0.0f},
+        {1.0f, 0.7f, 1.0f, 1.0f},  {1.0f, 1.0f, -1.0f, 0.0f}, {2.0f, 1.0f, 7.0f, 0.0f},
+        {1.0f, 1.0f, 0.01f, 0.0f}, {2.0f, 1.0f, 0.04f, 2.0f}};
+    const size_t samples = (5 * std::size(settings) + 1) * kHop;
+    expect_equals_model(programme(samples), settings);
+    expect_equals_model(programme(samples, 1.0f, 0.4f), settings);
+}
+
+TEST(Den, EqualsTheModelWhileSpeechIsGivenUp) {
+    const std::vector<Setting> settings(10, {2.0f, 1.0f, 0.0f, 0.0f});
+    std::vector<float> x = signals::speech_like(3, 51 * kHop, 4.0f);
+    std::copy_n(signals::sine(1000.0, 45 * kHop, 0.2f).begin(), 45 * kHop, x.begin() + 6 * kHop);
+    expect_equals_model({x, x}, settings);
+}
+
+TEST(Den, OverlapAddedSidesAndCentreMakeUpTheInput) {
+    const Stereo x = programme(40 * kHop);
+    for (const Setting& setting :
+         {Setting{1.0f, 1.0f, 0.0f, 0.0f}, Setting{1.0f, 1.0f, -1.0f, 0.0f}, Setting{1.0f, 1.0f, 0.0f, 1.0f},
+          Setting{1.0f, 1.0f, 0.0f, 3.0f}, Setting{0.999999f, 1.0f, 0.0f, 1.0f}}) {
+        const auto y = enhanced(x, setting);
+        const bool bypass = setting.speech == 1.0f && setting.stereo == 1.0f;
+        for (size_t side = 0; side < 2; ++side) {
+            const auto sum = bypass ? y[side] : mixed(1.0f, y[side], 1.0f, y[2]);
+            EXPECT_LT(signals::worst_difference(settled(sum), settled(x[side])), 2e-6) << setting.stereo;
+        }
+        EXPECT_EQ(signals::rms(settled(y[2])) == 0.0, setting.stereo == 3.0f || !(setting.speech == 1.0f));
+    }
+}
+
+TEST(Den, CentreHoldsWhatTheSidesShare) {
+    const size_t samples = 60 * kHop;
+    const std::vector<float> source =
+        mixed(0.5f, signals::sine(1000.0, samples), 0.5f, signals::sine(3100.0, samples));
+    const std::vector<float> silence(samples, 0.0f);
+    const double level = settled_rms(source);
+    for (const Setting& setting : {Setting{1.0f, 1.0f, 0.0f, 0.0f}, Setting{1.0f, 1.0f, -1.0f, 0.0f}}) {
+        const auto mono = enhanced({source, source}, setting);
+        EXPECT_LT(settled_rms(mixed(1.0f, mono[2], -1.0f, source)), 0.001 * level);
+        EXPECT_LT(settled_rms(mono[0]) + settled_rms(mono[1]), 0.002 * level);
+
+        const auto left = enhanced({source, silence}, setting);
+        EXPECT_LT(settled_rms(left[2]), 0.003 * level);
+        EXPECT_NEAR(settled_rms(left[0]), level, 0.003 * level);
+
+        const auto inverted = enhanced({source, mixed(-1.0f, source, 0.0f, source)}, setting);
+        EXPECT_LT(settled_rms(inverted[2]), 1e-6 * level);
+    }
+}
+
+// A source in the middle is moved only by a curve with a positive constant, and then to the left. The unit
+// impulse at the window's peak has equal powers exactly, and 2 x 225 of its 1024 bins are widened.
+TEST(Den, EquallyLoudBinsMoveLeftOrNotAtAll) {
+    const auto peaks_with = [](float wide) {
+        const std::vector<float> impulse = signals::impulse(kHop, kFrame);
+        std::vector<float> io = frame_of({impulse, impulse}, 0);
+        enhance(io, {1.0f, 1.0f, wide, 1.0f});
+        return std::array{io[kHop], io[kFrame + kHop]};
+    };
+    EXPECT_EQ(peaks_with(1.0f), (std::array{1.0f, 1.0f}));
+    const auto [left, right] = peaks_with(kJumpingWide);
+    EXPECT_NEAR(left, 1.0 + (0.731692 / 0.70615 - 1.0) * 450.0 / 1024.0, 1e-5);
+    EXPECT_NEAR(right, 1.0 + (0.679562 / 0.70615 - 1.0) * 450.0 / 1024.0, 1e-5);
+}
+
+TEST(Den, SpeechInTheCentreIsBoostedAndNothingElseIs) {
+    const size_t samples = 120 * kHop;
+    const std::vector<float> speech = signals::speech_like(3, samples, 4.0f);
+    const std::vector<float> tone =
+        mixed(0.3f, signals::sine(500.0, samples), 0.3f, signals::sine(2000.0, samples));
+    const auto gain_of = [](const Stereo& x, float speechGain) {
+        const auto y = enhanced(x, {speechGain, 1.0f, 0.0f, 0.0f});
+        return settled_rms(mixed(1.0f, y[0], 1.0f, y[2])) / settled_rms(x[0]);
+    };
+    EXPECT_GT(gain_of({speech, speech}, 2.0f), 1.9);
+    EXPECT_LT(gain_of({speech, speech}, 2.0f), 2.001);
+    EXPECT_NEAR(gain_of({tone, tone}, 2.0f), 1.0, 1e-3);
+    EXPECT_NEAR(gain_of({speech, mixed(-1.0f, speech, 0.0f, speech)}, 2.0f), 1.0, 1e-3);
+    EXPECT_NEAR(gain_of({speech, speech}, 0.5f), 1.0, 1e-3);
+}
+
+// A first impulse at the window's peak fluctuates by 975 h^2: the sum of the squared widths of bands 3 to 30.
+TEST(Den, CentresTooQuietToJudgeAreNotBoosted) {
+    const auto gain_at = [](double fluctuation) {
+        const auto height = static_cast<float>(std::sqrt(fluctuation / 975.0));
+        const std::vector<float> impulse = signals::impulse(kHop, kFrame, height);
+        std::vector<float> io = frame_of({impulse, impulse}, 0);
+        bdiff_sm_not_empty_init();
+        enhance(io, {2.0f, 1.0f, 0.0f, 1.0f});
+        return io[kHop] / height;
+    };
+    EXPECT_NEAR(gain_at(19.9), 1.0, 1e-6);
+    EXPECT_GT(gain_at(20.1), 1.15);
+}
+
+TEST(Den, BypassHalvesAllBlocksAndMovesNoState) {
+    const Stereo x = programme(20 * kHop);
+    const auto run = [&x](bool interrupted) {
+        bdiff_sm_not_empty_init();
+        std::vector<float> last;
+        for (size_t hop = 0; hop < 18; ++hop) {
+            if (interrupted) {
+                std::vector<float> io = signals::noise(9, 3 * kFrame), half = io;
+                enhance(io, {1.0f, 1.0f, 0.0f, 1.0f});
+                std::transform(half.begin(), half.end(), half.begin(), [](float v) { return 0.5f * v; });
+                EXPECT_EQ(io, half);
+            }
+            last = frame_of(x, hop);
+            enhance(last, {2.0f, 1.0f, 0.0f, 0.0f});
+        }
+        return last;
+    };
+    EXPECT_EQ(run(true), run(false));
+}
+
+TEST(Den, HostileArgumentsStayInsideTheBuffersAndAResetClearsThem) {
+    const float nan = std::numeric_limits<float>::quiet_NaN(),
+                infinity = std::numeric_limits<float>::infinity();
+    const Stereo x = programme(4 * kHop);
+    const Setting setting{2.0f, 1.0f, 2.0f, 0.0f};
+    bdiff_sm_not_empty_init();
+    std::vector<float> fresh = frame_of(x, 0), again = fresh;
+    enhance(fresh, setting);
+
+    const float edges[] = {nan, infinity, -infinity, 1e9f, -1e9f, 0.0f, 600.0f, 513.0f, 1.0f};
+    for (float start : edges) {
+        for (float end : edges) {
+            for (float wide : {nan, infinity, -infinity, 1e9f, 1e-30f}) {
+                const std::vector<float> starts(kDenBands, start), ends(kDenBands, end);
+                std::vector<float> io = frame_of(x, 1);
+                io[100] = wide;
+                io.push_back(42.0f);
+                DialogueEnhancementWide(io.data(), 0.8f, 2.0f, 1.0f, wide, 0.0f, &kRecord.wideCurve[0][0],
+                                        ends.data(), starts.data());
+                ASSERT_EQ(io.back(), 42.0f);
+            }
+        }
+    }
+    bdiff_sm_not_empty_init();
+    enhance(again, setting);
+    EXPECT_EQ(again, fresh);
+}
+
+TEST(Den, FactoryBandsCoverAllBinsOnce) {
+    float next = 1.0f;
+    for (int j = 0; j < kDenBands; ++j) {
+        EXPECT_EQ(kRecord.bandStart[j], next) << j;
+        EXPECT_EQ(kRecord.bandWidth[j], kRecord.bandEnd[j] - kRecord.bandStart[j] + 1.0f) << j;
+        next = kRecord.bandEnd[j] + 1.0f;
+    }
+    EXPECT_EQ(next, 514.0f);
+    EXPECT_EQ(kRecord.bandEnd[20], 42.0f);
+    EXPECT_EQ(kRecord.bandEnd[33], 185.0f);
+}
