@@ -2,16 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <complex>
 #include <cstring>
 
+#include "tests/support/dft.h"
 #include "tests/support/signals.h"
 
-namespace android {
+using namespace android;
+
 namespace {
 
 using Spectrum = std::vector<creal32_T>;
-using Exact = std::vector<std::complex<double>>;
+using Exact = std::vector<dft::Complex>;
 
 constexpr size_t kN = kFrameSamples;
 
@@ -37,13 +38,12 @@ Exact exact(const std::vector<float>& x) {
     return Exact(x.begin(), x.end());
 }
 
-// The sum as it is defined, in double precision; sign -1 forward, +1 inverse (not scaled).
+// The sum as it is defined; sign -1 forward, +1 inverse (not scaled).
 Exact naive(const Exact& x, int sign) {
     Exact y(kN);
     for (size_t k = 0; k < kN; ++k) {
         for (size_t n = 0; n < kN; ++n) {
-            const auto turn = double(n * k % kN) / double(kN);
-            y[k] += x[n] * std::polar(1.0, sign * 2.0 * std::numbers::pi * turn);
+            y[k] += x[n] * (sign > 0 ? dft::root(n * k) : std::conj(dft::root(n * k)));
         }
     }
     return y;
@@ -60,7 +60,7 @@ Spectrum run(Transform transform, const Input& x) {
 double relative_error(const Spectrum& y, const Exact& reference) {
     double error = 0.0, power = 0.0;
     for (size_t k = 0; k < y.size(); ++k) {
-        error += std::norm(std::complex<double>(y[k].re, y[k].im) - reference[k]);
+        error += std::norm(dft::Complex(y[k].re, y[k].im) - reference[k]);
         power += std::norm(reference[k]);
     }
     return std::sqrt(error / power);
@@ -164,8 +164,8 @@ TEST(Fft, TwoRealFramesShareOneTransform) {
     const Exact a = naive(exact(left), -1), b = naive(exact(right), -1);
     double power = 0.0, error = 0.0;
     for (size_t k = 0; k < kBins; ++k) {
-        error += std::norm(std::complex<double>(leftHalf[k].re, leftHalf[k].im) - a[k]);
-        error += std::norm(std::complex<double>(rightHalf[k].re, rightHalf[k].im) - b[k]);
+        error += std::norm(dft::Complex(leftHalf[k].re, leftHalf[k].im) - a[k]);
+        error += std::norm(dft::Complex(rightHalf[k].re, rightHalf[k].im) - b[k]);
         power += std::norm(a[k]) + std::norm(b[k]);
     }
     EXPECT_LT(std::sqrt(error / power), kBound);
@@ -173,7 +173,7 @@ TEST(Fft, TwoRealFramesShareOneTransform) {
     merge_stereo_spectrum(leftHalf.data(), rightHalf.data(), frame.data());
     Exact pair = exact(left);
     for (size_t n = 0; n < kN; ++n) {
-        pair[n] += std::complex<double>(0.0, right[n]);
+        pair[n] += dft::Complex(0.0, right[n]);
     }
     EXPECT_LT(relative_error(frame, pair), 2 * kBound);
 
@@ -182,4 +182,3 @@ TEST(Fft, TwoRealFramesShareOneTransform) {
 }
 
 }  // namespace
-}  // namespace android

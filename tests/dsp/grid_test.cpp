@@ -4,7 +4,8 @@
 
 #include "tests/support/signals.h"
 
-namespace android {
+using namespace android;
+
 namespace {
 
 using Floats = std::vector<float>;
@@ -85,4 +86,3 @@ TEST(Grid, ElementWiseRoutines) {
 }
 
 }  // namespace
-}  // namespace android

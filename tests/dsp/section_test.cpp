@@ -5,7 +5,8 @@
 #include "tests/support/section_model.h"
 #include "tests/support/signals.h"
 
-namespace android {
+using namespace android;
+
 namespace {
 
 constexpr size_t kHop = kHopSamples;
@@ -126,4 +127,3 @@ TEST(Section, AMatrixRunsItsFirstSectionsInOrder) {
 }
 
 }  // namespace
-}  // namespace android

@@ -1,0 +1,228 @@
+#include "modules/drc/drc.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/hops.h"
+
+using namespace android;
+using signals::Stereo;
+
+namespace {
+
+parameterDRC record_with(float gainDb) {
+    parameterDRC record;
+    factory_contents(&record);
+    initialize_dynamicRangeCompression_C(gainDb, &record);
+    return record;
+}
+
+void process(float* io, float channels, const parameterDRC& drc) {
+    dynamicRangeCompression_LC(io, channels, &drc.compThreshold, &drc.limThreshold, &drc.expThreshold);
+}
+
+Stereo play(const Stereo& x, const parameterDRC& drc, float channels = 2.0f) {
+    return signals::play(x, [&](float* io) { process(io, channels, drc); });
+}
+
+// Before any reset of the process.
+const Stereo kFresh = play(signals::stereo_noise(1, 8), record_with(12.0f));
+
+// dB of reduction at rest for a level d above the threshold.
+double reduction_db(double d, double knee, double slope) {
+    const double bent =
+        knee > 0.0 && std::fabs(d) < knee / 2 ? std::pow(d + knee / 2, 2) / (2 * knee) : std::max(d, 0.0);
+    return -slope * bent;
+}
+
+// The whole compressor in dB and double precision, point after point.
+struct Model {
+    struct Channel {
+        double level = -50.0, comp = 0.0, lim = 0.0;
+    } channel[2];
+
+    static double smooth(double last, double target, float attack, float release) {
+        const double c = double(target > last ? attack : release);
+        return target + c * (last - target);
+    }
+
+    // Advances one channel to a peak; returns its reduction in dB.
+    double reduction(Channel& c, double peak, const parameterDRC& p, double makeupDb) {
+        const double levelDb = 20.0 * std::log10(peak + 1e-10);
+        // As floats the two weights do not quite add up to 1, which shows at -200 dB.
+        c.level = levelDb > c.level ? (levelDb + c.level) / 2
+                                    : double(0.0001f) * levelDb + double(0.9999f) * c.level;
+        c.comp = smooth(
+            c.comp, reduction_db(levelDb - double(p.compThreshold), double(p.compKnee), double(p.compSlope)),
+            p.compAttack, p.compRelease);
+        const double made = levelDb + makeupDb - c.comp - double(p.limThreshold);
+        c.lim = smooth(c.lim, reduction_db(made, double(p.limKnee), double(p.limSlope)), p.limAttack,
+                       p.limRelease);
+        return c.comp + c.lim;
+    }
+
+    void process(std::vector<double>& io, int channels, const parameterDRC& p) {
+        const double makeupDb = 20.0 * std::log10(double(p.compMakeup));
+        std::vector<double> gain;
+        for (int j = 0; j < kGridPoints; ++j) {
+            double reductionDb = -HUGE_VAL, smoothedDb = -HUGE_VAL;
+            for (int c = 0; c < channels; ++c) {
+                double peak = 0.0;
+                for (int n = std::max(3 * j - 1, 0); n <= 3 * j + 1; ++n) {
+                    peak = std::max(peak, std::fabs(io[size_t(c * kHopSamples + n)]));
+                }
+                reductionDb = std::max(reductionDb, reduction(channel[c], peak, p, makeupDb));
+                smoothedDb = std::max(smoothedDb, channel[c].level);
+            }
+            const double belowDb = std::min(smoothedDb - makeupDb - double(p.expThreshold), 0.0);
+            gain.push_back(std::pow(10.0, (makeupDb - reductionDb + belowDb * double(p.expSlope)) / 20.0));
+        }
+        gain.push_back(2.0 * gain[170] - gain[169]);
+        for (int n = 0; n < channels * kHopSamples; ++n) {
+            const size_t j = size_t(n % kHopSamples / 3);
+            const double along = n % kHopSamples % 3 / 3.0;
+            double& sample = io[size_t(n)];
+            sample = std::clamp(sample * ((1.0 - along) * gain[j] + along * gain[j + 1]), -0.999, 0.999);
+        }
+    }
+};
+
+TEST(Compressor, FollowsTheModel) {
+    constexpr size_t kHops = 400;
+    constexpr float kGainsDb[] = {12.6f, 3.0f, 21.0f, 7.5f, 18.0f};
+    constexpr float kLevels[] = {0.3f, 1.0f, 0.01f, 0.0f, 2e-4f, 0.8f, 0.05f};
+    Stereo x = signals::stereo_noise(2, kHops);
+    for (size_t n = 0; n < x.left.size(); ++n) {
+        const size_t hop = n / kHopSamples;
+        x.left[n] *= kLevels[hop / 8 % 7];
+        x.right[n] *= kLevels[hop / 11 % 7];
+    }
+    state_not_empty_init();
+    Model model;
+    std::vector<double> exact(2 * kHopSamples);
+    size_t hop = 0;
+    signals::play(x, [&](float* io) {
+        const parameterDRC record = record_with(kGainsDb[hop / 50 % 5]);
+        const int channels = hop / 30 % 3 == 1 ? 1 : 2;
+        std::copy_n(io, exact.size(), exact.begin());
+        model.process(exact, channels, record);
+        process(io, float(channels), record);
+        for (size_t n = 0; n < exact.size(); ++n) {
+            // In dB, levels of 50 to 200 are rounded to 2e-6..8e-6, and the smoothed level gathers 1e4 of
+            // them: some 1e-4 dB in all, 1.2e-5 of the gain.
+            ASSERT_NEAR(double(io[n]), exact[n], 3e-5 * std::fabs(exact[n])) << hop << " " << n;
+        }
+        ++hop;
+    });
+}
+
+TEST(Compressor, BracketsStepAtTheirLowerEnds) {
+    const struct {
+        float gainDb;
+        double c, ratio, releaseSeconds, attackSeconds;
+    } kBrackets[] = {
+        {-3.0f, 0.75, 3, 0.5, 0.005},   {4.999f, 0.75, 3, 0.5, 0.005},   {5.0f, 0.8, 4, 0.4, 0.003},
+        {9.999f, 0.8, 4, 0.4, 0.003},   {10.0f, 0.82, 6, 0.3, 0.002},    {12.6f, 0.82, 6, 0.3, 0.002},
+        {14.999f, 0.82, 6, 0.3, 0.002}, {15.0f, 0.85, 8, 0.2, 0.0015},   {20.999f, 0.85, 8, 0.2, 0.0015},
+        {21.0f, 0.88, 10, 0.08, 0.001}, {100.0f, 0.88, 10, 0.08, 0.001},
+    };
+    for (const auto& [gainDb, c, ratio, releaseSeconds, attackSeconds] : kBrackets) {
+        const parameterDRC p = record_with(gainDb);
+        const double thresholdDb = -double(gainDb) / c * (1.0 + ratio) / ratio;
+        EXPECT_FLOAT_EQ(p.compThreshold, float(thresholdDb)) << gainDb;
+        EXPECT_FLOAT_EQ(p.compKnee, float(std::fabs(thresholdDb) / 2));
+        EXPECT_FLOAT_EQ(p.compMakeup, float(std::exp(double(gainDb) * std::log(10.0) / 20.0)));
+        EXPECT_FLOAT_EQ(p.compSlope, float((1.0 - ratio) / ratio));
+        EXPECT_EQ(p.compAttack, float(1.0 / std::exp(1.0 / (attackSeconds * 48000.0))));
+        EXPECT_EQ(p.compRelease, float(1.0 / std::exp(1.0 / (releaseSeconds * 48000.0))));
+        const float second[] = {p.limThreshold, p.limKnee,   p.limMakeup,
+                                p.limSlope,     p.limAttack, p.limRelease};
+        const float expected[] = {-1.0f, 0.5f, 1.0f, -0.95f, 0.8928125f, 0.9775794f};
+        EXPECT_TRUE(std::equal(second, second + 6, expected));
+        EXPECT_EQ(p.expThreshold, -60.0f);
+        EXPECT_EQ(p.expSlope, 0.5f);
+    }
+}
+
+// The level that a constant settles at, from the curves drawn in dB.
+TEST(Compressor, StaticCurve) {
+    const parameterDRC p = record_with(12.6f);
+    for (double levelDb : {-70.0, -55.0, -40.0, -24.0, -18.0, -12.0, -6.0, 0.0, 6.0}) {
+        const double compDb = reduction_db(levelDb + 17.9268, 8.9634, -5.0 / 6.0);
+        const double limDb = reduction_db(levelDb + 12.6 - compDb + 1.0, 0.5, -0.95);
+        const double belowDb = std::min(levelDb - (12.6 - 60.0), 0.0);
+        const std::vector<float> constant(600 * kHopSamples, float(std::pow(10.0, levelDb / 20.0)));
+        state_not_empty_init();
+        const Stereo y = play({constant, constant}, p);
+        // The smoothed level stops where a step, 1e-4 of the distance, is below half its unit: 0.02 dB early.
+        EXPECT_NEAR(20.0 * std::log10(double(y.left.back())),
+                    std::min(levelDb + 12.6 - compDb - limDb + 0.5 * belowDb, -0.0087), 0.02)
+            << levelDb;
+        EXPECT_EQ(y.left, y.right);
+    }
+}
+
+TEST(Compressor, ClipsAtFullScale) {
+    Stereo x = signals::stereo_noise(3, 40);
+    for (std::vector<float>* channel : {&x.left, &x.right}) {
+        for (float& sample : *channel) {
+            sample = sample < 0.0f ? -1.0f : 1.0f;
+        }
+    }
+    state_not_empty_init();
+    const Stereo y = play(x, record_with(21.0f));
+    EXPECT_EQ(*std::max_element(y.left.begin(), y.left.end()), 0.999f);
+    EXPECT_EQ(*std::min_element(y.right.begin(), y.right.end()), -0.999f);
+}
+
+TEST(Compressor, ChannelsShareTheLargerReduction) {
+    Stereo x = signals::stereo_noise(4, 20);
+    for (size_t n = 0; n < x.left.size(); ++n) {
+        x.left[n] = x.right[n] * 0x1p-10f;  // a probe: quiet, and exact in every product
+    }
+    state_not_empty_init();
+    const Stereo y = play(x, record_with(6.0f));
+    for (size_t n = 0; n < y.left.size(); ++n) {
+        if (std::fabs(y.right[n]) < 0.998f) {
+            ASSERT_EQ(y.left[n], y.right[n] * 0x1p-10f) << n;
+        }
+    }
+    state_not_empty_init();
+    EXPECT_EQ(play({x.right, x.left}, record_with(6.0f)), (Stereo{y.right, y.left}));
+}
+
+TEST(Compressor, ASingleChannelLeavesTheOtherAndItsMemoryAlone) {
+    const Stereo loud = signals::stereo_noise(5, 20), later = signals::stereo_noise(6, 4, 1e-3f);
+    const Stereo quiet = signals::stereo_noise(7, 300, 1e-4f);
+    const parameterDRC p = record_with(18.0f);
+    state_not_empty_init();
+    play({quiet.left, loud.right}, p);
+    const Stereo whole = play(later, p);
+    state_not_empty_init();
+    play({quiet.left, loud.right}, p);
+    EXPECT_EQ(play(quiet, p, 1.0f).right, quiet.right);
+    const Stereo resumed = play(later, p);
+    // Channel 1 holds the larger reduction and level throughout, so its memory alone decides.
+    EXPECT_EQ(resumed, whole);
+}
+
+TEST(Compressor, ResetEqualsFresh) {
+    play(signals::stereo_noise(8, 20), record_with(21.0f));
+    EXPECT_NE(play(signals::stereo_noise(1, 8), record_with(12.0f)), kFresh);
+    state_not_empty_init();
+    EXPECT_EQ(play(signals::stereo_noise(1, 8), record_with(12.0f)), kFresh);
+}
+
+TEST(Compressor, HostileChannelCountsStayInside) {
+    const Stereo x = signals::stereo_noise(9, 1);
+    for (float none : {-1e30f, -1.0f, 0.0f, 0.99f, NAN}) {
+        EXPECT_EQ(play(x, record_with(12.0f), none), x) << none;
+    }
+    state_not_empty_init();
+    const Stereo two = play(x, record_with(12.0f));
+    for (float many : {3.0f, 1e30f, INFINITY}) {
+        state_not_empty_init();
+        EXPECT_EQ(play(x, record_with(12.0f), many), two) << many;
+    }
+}
+
+}  // namespace
