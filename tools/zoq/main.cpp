@@ -39,6 +39,9 @@ int run(CLI::App& app, int argc, char** argv) {
     } catch (const CLI::CallForVersion& version) {
         return print(std::string(version.what()) + "\n");
     } catch (const CLI::ParseError& error) {
+        if (app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-') {
+            return fail("unknown command '" + std::string(argv[1]) + "' (zoq --help)", zoq::kExitUsage);
+        }
         return fail(error.what() + std::string(" (zoq --help)"), zoq::kExitUsage);
     }
 }
@@ -58,6 +61,7 @@ int main(int argc, char** argv) {
     } catch (const zoq::UsageFailure& failure) {
         return fail(failure.what(), zoq::kExitUsage);
     } catch (const zoq::Interrupted& interrupted) {
+        fail("interrupted", zoq::kExitFailure);
         zoq::end_by_signal(interrupted.signal);
     } catch (const std::bad_alloc&) {
         return fail("out of memory", zoq::kExitFailure);

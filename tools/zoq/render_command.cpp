@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <limits>
-#include <map>
 #include <memory>
 
 #include "tools/zoq/failure.h"
@@ -18,6 +17,7 @@ namespace {
 
 struct Command {
     RenderOptions options;
+    std::string route = "speaker";
     int volume = 0;
     bool quiet = false;
     bool textReport = false;
@@ -45,10 +45,8 @@ void add_files(CLI::App& app, RenderOptions& options) {
 
 void add_engine_options(CLI::App& app, Command& command) {
     RenderOptions& options = command.options;
-    const std::map<std::string, Route> routes = {{"speaker", Route::kSpeaker},
-                                                 {"headphone", Route::kHeadphone}};
-    app.add_option("--route", options.route, "speaker (default) or headphone")
-        ->transform(CLI::Transformer(routes))
+    app.add_option("--route", command.route, "speaker (default) or headphone")
+        ->check(CLI::IsMember({"speaker", "headphone"}))
         ->option_text("ROUTE");
     app.add_option("--volume", command.volume, "volume index, as of a volume notification (default: 15)")
         ->check(CLI::Range(0, std::numeric_limits<int>::max()))
@@ -84,6 +82,7 @@ void print(std::FILE* stream, const std::string& text) {
 
 void run(Command& command, const CLI::App& app) {
     RenderOptions& options = command.options;
+    options.route = command.route == "headphone" ? Route::kHeadphone : Route::kSpeaker;
     if (app.count("--volume") > 0) {
         options.volume = command.volume;
     }

@@ -59,8 +59,9 @@ Json level_object(const Loudness& loudness) {
 std::string text_report(const RenderOptions& options, const RenderResult& result) {
     const Latency& delay = result.latency;
     std::string text = row("input", "%s", options.input.c_str());
-    text += row("format", "%s, %d Hz, %d channel%s", result.inputFormat.c_str(), result.inputRate,
-                result.inputChannels, result.inputChannels == 1 ? "" : "s");
+    text += row("format", "%s", result.inputFormat.c_str());
+    text += row("rate", "%d Hz", result.inputRate);
+    text += row("channels", "%d", result.inputChannels);
     text += row("output", "%s", options.output.c_str());
     text += row("duration", "%.2f s", seconds(result.frames));
     text += row("route", "%s%s", route_name(options.route), options.bypass ? ", bypassed" : "");
