@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "dsp/shared_value.h"
+
 namespace android {
 
 namespace {
@@ -23,12 +25,12 @@ struct Overlap {
 Overlap overlap[kChainChannels];  // reset: 0
 
 void headphone_control_values(const parameterX2B& x2b, parameterDEN& den) {
-    const float w = x2b.surroundWidth;
+    const float w = load_shared(x2b.surroundWidth);
     den.wideAmount = w >= 0.8f ? (w - 0.8f) * 20.0f : 0.0f;
 }
 
 void speaker_control_values(parameterTWS& tws, parameterDEN& den) {
-    const float s = tws.stereoWidth;
+    const float s = load_shared(tws.stereoWidth);
     if (s > 0.5f) {
         const float p = (s - 0.5f) * kWidthStep;
         den.wideAmount = (s - 0.5f) * 8.0f;
@@ -52,8 +54,8 @@ int analyse(float* frameIn, float channelCount, const parameterDEN& den) {
         std::copy_n(frameIn, kFrameSamples, overlap[0].current());
         return 1;
     }
-    DialogueEnhancementWide(frameIn, den.smoothFactor, den.centerSpeechGain, den.baseGain, den.wideAmount,
-                            den.stereoOutput, den.wideCurve[0], den.bandEnd, den.bandStart);
+    DialogueEnhancementWide(frameIn, den.smoothFactor, load_shared(den.centerSpeechGain), den.baseGain,
+                            den.wideAmount, den.stereoOutput, den.wideCurve[0], den.bandEnd, den.bandStart);
     int channels = 2;
     if (den.stereoOutput != 1.0f) {
         float* centre = frameIn + 2 * kFrameSamples;
@@ -123,11 +125,11 @@ void speaker_route(int channels, const parameterTWS& tws, const parameterEQ& eq,
     widen(channels, tws, frameOut);
     const float n = channels > 1 ? 2.0f : 1.0f;
     equalize(frameOut, n, geq);
-    if (vb.boostLin > -1.0f) {
+    if (load_shared(vb.boostLin) > -1.0f) {
         virtualbassFunction_monoLC(frameOut, n, &vb);
     }
     equalization_peak(frameOut, n, eq.peakSectionCount, eq.peakSos, eq.trebleSectionCount, eq.trebleSos,
-                      eq.trebleGain, eq.finalSos, eq.finalPassCount);
+                      load_shared(eq.trebleGain), eq.finalSos, eq.finalPassCount);
     compress(frameOut, n, drc);
 }
 

@@ -17,11 +17,12 @@ inline constexpr int kChainChannels = 3;  // left, right, centre
 
 // Processes one frame and returns the hop that became complete.
 //        argument      shape         direction
-//        frameIn       3 x 1024      in/out   left and right frame, or mono in block 0; work space for stereo
-//        input channelCount  2.0: stereo   in       any other value: one channel, block 0 headphone     0:
-//        speaker    in den, tws      record        in/out   wideAmount and widthGain are rewritten from the
-//        width settings the others    record        in frameOut      2 x 512       out      left, right; for
-//        one channel on the speaker route block 1 is not
+//        frameIn       3 x 1024      in/out   left and right frame, or mono in block 0; work space for stereo input
+//        channelCount  2.0: stereo   in       any other value: one channel, block 0
+//        headphone     0: speaker    in
+//        den, tws      record        in/out   wideAmount and widthGain are rewritten from the width settings
+//        the others    record        in
+//        frameOut      2 x 512       out      left, right; for one channel on the speaker route block 1 is not
 //                                             processed
 void stereoWidening_frame(float* frameIn, float channelCount, uint8_t headphone, parameterDEN* den,
                           parameterTWS* tws, const parameterEQ* eq, const parameterDRC* drc,

@@ -16,7 +16,7 @@ if(ZOQ_SANITIZE)
 endif()
 
 # The order of operations is part of the design: no fused multiply-add, no reassociation. -fno-math-errno
-# changes no value; it lets a square root be one instruction. dsp/numerics.h refuses builds that break the rule.
+# changes no value; it lets a square root be one instruction.
 set(ZOQ_NUMERIC_FLAGS -ffp-contract=off -fno-fast-math -fno-math-errno)
 
 # A room of the engine: a static library of position-independent objects that links only what its line names.
@@ -25,7 +25,9 @@ function(zoq_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS" ${ARGN})
   add_library(${name} STATIC ${ROOM_SOURCES})
   target_compile_options(${name} PRIVATE ${ZOQ_WARNINGS} ${ZOQ_NUMERIC_FLAGS} -fno-exceptions -fno-rtti
-                                         -fvisibility-inlines-hidden)
+                                         -fvisibility-inlines-hidden
+                                         # refuses flags under which the same source gives other bits
+                                         "SHELL:-include ${PROJECT_SOURCE_DIR}/dsp/numerics.h")
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PUBLIC ${ROOM_LINKS})
 endfunction()

@@ -1,5 +1,6 @@
 #include "dsp/fft.h"
 
+#include "dsp/complex.h"
 #include "dsp/fft_tables.h"
 
 namespace android {
@@ -8,14 +9,6 @@ int32_t fft_table[kFrameSamples];
 int32_t fft_table_flag;
 
 namespace {
-
-creal32_T operator+(creal32_T a, creal32_T b) {
-    return {a.re + b.re, a.im + b.im};
-}
-
-creal32_T operator-(creal32_T a, creal32_T b) {
-    return {a.re - b.re, a.im - b.im};
-}
 
 void butterfly(creal32_T& upper, creal32_T& lower, creal32_T t) {
     lower = upper - t;
@@ -45,9 +38,7 @@ void transform_stages(creal32_T* y, const float* sine) {
         for (int offset = 1; offset < span; ++offset) {
             const creal32_T w{kTwiddleCos[offset * twiddleStep], sine[offset * twiddleStep]};
             for (int i = offset; i < kFrameSamples; i += block) {
-                const creal32_T v = y[i + span];
-                const creal32_T t{w.re * v.re - w.im * v.im, w.re * v.im + w.im * v.re};
-                butterfly(y[i], y[i + span], t);
+                butterfly(y[i], y[i + span], w * y[i + span]);
             }
         }
     }
@@ -97,7 +88,7 @@ void ifft(const creal32_T* x, creal32_T* y) {
     transform_stages(y, kTwiddleInverseSin);
     constexpr float kScale = 1.0f / kFrameSamples;
     for (int i = 0; i < kFrameSamples; ++i) {
-        y[i] = {y[i].re * kScale, y[i].im * kScale};
+        y[i] = y[i] * kScale;
     }
 }
 
@@ -109,7 +100,7 @@ void split_stereo_spectrum(const float* left, const float* right, creal32_T* lef
     }
     fft(packed, spectrum);
     for (creal32_T& bin : spectrum) {
-        bin = {bin.re * 0.5f, bin.im * 0.5f};
+        bin = bin * 0.5f;
     }
     for (int k = 0; k < kBins; ++k) {
         const creal32_T z = spectrum[k];

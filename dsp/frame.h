@@ -15,8 +15,6 @@
 
 #include <cstdint>
 
-#include "dsp/numerics.h"
-
 namespace android {
 
 inline constexpr int kSampleRateHz = 48000;

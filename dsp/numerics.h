@@ -1,8 +1,8 @@
 // Refuses builds in which the same source would give other bits.
 //
 // The order of operations is part of the design and every target is to produce the same output, so fused
-// multiply-adds, reassociation and excess precision are errors, not options. Every room of the engine
-// includes this header through dsp/frame.h.
+// multiply-adds, reassociation and excess precision are errors, not options. The build puts this
+// header in front of every source of the engine; hosts are free in how they compile their own.
 #pragma once
 
 #include <cfloat>

@@ -75,12 +75,12 @@ void apply_defaults() {
 }
 
 void apply_configuration_text(const char* text, size_t length) {
-    const size_t bytes = std::min(length, kConfigurationMaxBytes);
+    const size_t bytes = text != nullptr ? strnlen(text, std::min(length, kConfigurationMaxBytes)) : 0;
     char* copy = static_cast<char*>(std::malloc(bytes + 1));
     if (copy == nullptr) {
         return;
     }
-    std::memcpy(copy, text, bytes);
+    std::copy_n(text, bytes, copy);
     copy[bytes] = '\0';
     apply_tokens(copy);
     std::free(copy);

@@ -22,7 +22,7 @@ float compression_gain_db() {
     if (mem.headphoneMode == 1) {
         return load_shared(mem.headphoneCompressionGain) * kHeadphoneFullDb / 100.0f;
     }
-    const bool loud = load_shared(mem.volumeIndex) > mem.volumeIndexSwitch;
+    const bool loud = load_shared(mem.volumeIndex) > load_shared(mem.volumeIndexSwitch);
     return load_shared(mem.compressionGain) * (loud ? kSpeakerLoudFullDb : kSpeakerFullDb) / 100.0f;
 }
 

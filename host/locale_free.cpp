@@ -9,7 +9,8 @@ namespace android {
 
 namespace {
 
-// The "C" locale on the calling thread for a scope. Made at load; should that fail, the thread's own serves.
+// The "C" locale on the calling thread for a scope. Made once, at first use; should that fail, the thread's own
+// serves.
 class CLocale {
   public:
     CLocale() : previous_(instance().locale_ != nullptr ? uselocale(instance().locale_) : nullptr) {}

@@ -1,5 +1,6 @@
 // The entry points of the audio thread: blocks of any size in and out of frames of 512 sample frames.
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 #include "dsp/shared_value.h"
@@ -98,10 +99,10 @@ int process_frames(const Block& block) {
     return frames;
 }
 
-void keep_remainder(int frames) {
-    parameterMEM& mem = b_parameterMEM;
-    std::copy(mem.inRing + frames * kFrameValues, mem.inRing + mem.inFill, mem.inRing);
-    mem.inFill -= frames * kFrameValues;
+// Drops values from the front; what lies behind them up to fill moves up, the rest stays as it stands.
+void drop_front(int16_t* ring, int32_t& fill, int32_t values) {
+    fill -= values;
+    std::memmove(ring, ring + values, static_cast<size_t>(fill) * sizeof(int16_t));
 }
 
 // Answers the block from the front of the queue. When the queue is short the block stays as it was and one
@@ -116,8 +117,7 @@ void answer(const Block& block, int frames) {
     } else {
         mem.outFill = values + kFrameValues;
     }
-    std::copy(mem.outRing + values, mem.outRing + mem.outFill, mem.outRing);
-    mem.outFill -= values;
+    drop_front(mem.outRing, mem.outFill, values);
 }
 
 void play(const Block& block) {
@@ -133,7 +133,7 @@ void play(const Block& block) {
     std::copy_n(block.samples, block.values(), mem.inRing + mem.inFill);
     mem.inFill += block.values();
     const int frames = process_frames(block);
-    keep_remainder(frames);
+    drop_front(mem.inRing, mem.inFill, frames * kFrameValues);
     answer(block, frames);
 }
 

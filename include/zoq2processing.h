@@ -70,7 +70,8 @@ void ZOQ_update_volume(int index, audio_stream_type_t stream);
 // --- Steps of the entry points, for hosts that drive them one by one ---
 
 // Processes one frame in place: 512 sample frames of `channels` (1..6) interleaved values. enable, length and
-// sampleRate are not consulted.
+// sampleRate are not consulted. Output comes in pairs, so that with one channel the pair of the last sample frame
+// reaches value 512 as well: the frame needs room for 513 values then.
 void widening_frame(int enable, int headphone, int16_t* frame, int length, int sampleRate, int channels);
 
 // Factory contents, defaults, module reset and configuration file.
@@ -119,6 +120,10 @@ struct parameterMEM {
     int32_t volumeIndex;        // last index given to ZOQ_update_volume
     int32_t volumeIndexSwitch;  // above it the loudspeaker's full compression is 21 dB, else 18 dB
 };
+// 3 flags, 7 settings, 18 band gains and 8 counters around the buffers, without padding.
+static_assert(sizeof(parameterMEM) ==
+              36 * 4 + kMaxHostChannels * (2 * kFrameSamples + kHopSamples) * sizeof(float) +
+                  2 * kRingValues * sizeof(int16_t));
 
 // --- Globals ---
 

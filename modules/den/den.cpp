@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dsp/complex.h"
 #include "dsp/fft.h"
 #include "dsp/fft_tables.h"
 #include "dsp/grid.h"
@@ -72,22 +73,6 @@ struct Gains {
 struct Cubic {
     float c0, c1, c2, c3;
 };
-
-creal32_T operator+(creal32_T a, creal32_T b) {
-    return {a.re + b.re, a.im + b.im};
-}
-
-creal32_T operator-(creal32_T a, creal32_T b) {
-    return {a.re - b.re, a.im - b.im};
-}
-
-creal32_T operator*(creal32_T a, float gain) {
-    return {a.re * gain, a.im * gain};
-}
-
-float squared_magnitude(creal32_T a) {
-    return a.re * a.re + a.im * a.im;
-}
 
 float clamp_to_unit(float x) {
     return x < 0.0f ? 0.0f : x > 1.0f ? 1.0f : x;

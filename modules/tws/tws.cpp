@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "dsp/complex.h"
 #include "dsp/fft.h"
 #include "modules/tws/tws_tables.h"
 
@@ -20,14 +21,6 @@ constexpr float kCentreInDirect = 0.7071f;
 struct Pair {
     creal32_T left[kBins], right[kBins];
 };
-
-creal32_T operator+(creal32_T a, creal32_T b) {
-    return {a.re + b.re, a.im + b.im};
-}
-
-creal32_T operator*(creal32_T h, creal32_T x) {
-    return {h.re * x.re - h.im * x.im, h.im * x.re + h.re * x.im};
-}
 
 void filter_pair(const parameterTWS* parameters, const Pair& in, Pair& out) {
     for (int k = 0; k < kBins; ++k) {

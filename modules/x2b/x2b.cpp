@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "dsp/complex.h"
 #include "dsp/fft.h"
+#include "dsp/shared_value.h"
 #include "modules/x2b/x2b_tables.h"
 
 namespace android {
@@ -106,14 +108,9 @@ Rendering rendering_of(float w, int channels) {
     };
 }
 
-void add_product(creal32_T h, creal32_T x, creal32_T& sum) {
-    sum.re += h.re * x.re - h.im * x.im;
-    sum.im += h.im * x.re + h.re * x.im;
-}
-
 void add_scaled(float gain, const creal32_T* response, const creal32_T* x, creal32_T* slot) {
     for (int k = 0; k < kBins; ++k) {
-        add_product({gain * response[k].re, gain * response[k].im}, x[k], slot[k]);
+        slot[k] = slot[k] + (response[k] * gain) * x[k];
     }
 }
 
@@ -122,16 +119,14 @@ void add_crossfaded(float gain, const Rendering& r, const creal32_T (*responses)
     const creal32_T* wide = responses[r.wideResponse];
     const creal32_T* narrow = responses[r.narrowResponse];
     for (int k = 0; k < kBins; ++k) {
-        const creal32_T h{gain * (r.wide * wide[k].re + r.narrow * narrow[k].re),
-                          gain * (r.wide * wide[k].im + r.narrow * narrow[k].im)};
-        add_product(h, x[k], slot[k]);
+        const creal32_T h = (wide[k] * r.wide + narrow[k] * r.narrow) * gain;
+        slot[k] = slot[k] + h * x[k];
     }
 }
 
 void add_dry(float gain, const creal32_T* x, creal32_T* slot) {
     for (int k = 0; k < kBins; ++k) {
-        slot[k].re += gain * x[k].re;
-        slot[k].im += gain * x[k].im;
+        slot[k] = slot[k] + x[k] * gain;
     }
 }
 
@@ -213,7 +208,7 @@ void factory_contents(parameterX2B* record) {
 void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float* out) {
     const int channelCount = channel_count(channels);
     const int partitions = partition_count(parameters->numPartitions);
-    const Rendering rendering = rendering_of(parameters->surroundWidth, channelCount);
+    const Rendering rendering = rendering_of(load_shared(parameters->surroundWidth), channelCount);
     Inputs x;
     analyse(in, channelCount, x);
     accumulate(x, channelCount, partitions, parameters, rendering);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 
 namespace android {
 
@@ -13,9 +14,16 @@ class String8 {
     String8();
     explicit String8(const char* text);  // a null pointer gives the empty text
     String8(const String8& other);
+    String8(String8&& other) noexcept
+        : text_(std::exchange(other.text_, nullptr)), length_(std::exchange(other.length_, size_t{0})) {}
     ~String8();
 
     String8& operator=(const String8& other);
+    String8& operator=(String8&& other) noexcept {
+        std::swap(text_, other.text_);
+        std::swap(length_, other.length_);
+        return *this;
+    }
     String8& operator=(const char* text);
 
     void setTo(const String8& other);

@@ -18,8 +18,8 @@ constexpr size_t kFrame = kFrameSamples, kHop = kHopSamples, kPartitions = kX2bP
 constexpr size_t kTaps = kPartitions * kHop;
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
-// The transforms' rounding, with outputs whose peaks lie near 20.
-constexpr double kTolerance = 2e-5;
+// Two transforms round at 4e-7 each of outputs whose peaks lie near 14.
+constexpr double kTolerance = 1.2e-5;
 
 using Responses = std::array<std::vector<float>, 3>;  // front, narrow, wide: 2048 taps each
 
@@ -66,9 +66,9 @@ Rooms& rooms() {
 using Stream = std::array<std::vector<float>, 3>;
 
 Stream test_stream(size_t hops) {
-    Stream x{signals::speech_like(1, hops * kHop, 4.0f), signals::noise(2, hops * kHop),
+    Stream x{signals::noise(1, hops * kHop), signals::speech_like(2, hops * kHop, 4.0f),
              signals::sine(440.0, hops * kHop)};
-    for (size_t n = 9 * kHop; n < 14 * kHop && n < hops * kHop; ++n) {
+    for (size_t n = 14 * kHop; n < 17 * kHop && n < hops * kHop; ++n) {
         x[0][n] = x[1][n] = x[2][n] = 0.0f;
     }
     return x;
@@ -182,19 +182,6 @@ TEST(X2b, ImpulsePlaysThroughAllPartitionsAndEnds) {
         const float opposite = sounding ? tailGain[(n - at) / kHop] * rooms().contra[2][n - at] : 0.0f;
         ASSERT_NEAR(left[n], same, 1e-6) << n;
         ASSERT_NEAR(right[n], opposite, 1e-6) << n;
-    }
-}
-
-TEST(X2b, WidthZeroIsThePlainInput) {
-    const Stream x = test_stream(4);
-    X2Binaural_v1_init();
-    for (size_t hop = 0; hop < 4; ++hop) {
-        const std::vector<float> out = render(x, hop, 3.0f, 0.0f);
-        for (size_t i = 0; i < kHop; ++i) {
-            const size_t n = hop * kHop + i;
-            ASSERT_NEAR(out[i], 0.707f * (x[0][n] + x[2][n]), 2e-6);
-            ASSERT_NEAR(out[kHop + i], 0.707f * (x[1][n] + x[2][n]), 2e-6);
-        }
     }
 }
 

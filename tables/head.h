@@ -1,0 +1,48 @@
+// A measured head: impulse responses from many directions to both ears, read from a SOFA file.
+#pragma once
+
+#include <array>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tables/signal.h"
+
+namespace zoq::tables {
+
+// As SOFA has them: azimuth anticlockwise from straight ahead (90 is left), elevation up; degrees.
+struct Direction {
+    double azimuth, elevation;
+};
+
+enum Ear { kLeftEar, kRightEar };
+
+struct Head {
+    double rateHz = 0.0;
+    std::vector<Direction> directions;
+    std::vector<std::array<Signal, 2>> responses;  // [direction][ear], all of one length, delays included
+};
+
+// What is wrong with a file and what to do about it, in one sentence.
+struct HeadError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+inline constexpr const char* kDefaultHeadFile = "/usr/share/libmysofa/MIT_KEMAR_normal_pinna.sofa";
+
+// Reads and checks a head. Throws HeadError.
+Head load_head(const std::string& path);
+
+// Throws HeadError unless the rate is sensible, all values are finite, no response is silent and the left ear
+// comes first. load_head has done it.
+void require_sound(const Head& head);
+
+// Angle between two directions, degrees.
+double angle(const Direction& a, const Direction& b);
+// The measurement nearest to a direction.
+size_t nearest(const Head& head, const Direction& wanted);
+
+// The response of one measurement at one frequency.
+std::complex<double> response_at(const Head& head, size_t measurement, Ear ear, double hz);
+
+}  // namespace zoq::tables

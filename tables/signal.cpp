@@ -1,0 +1,135 @@
+#include "tables/signal.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <unsupported/Eigen/FFT>
+
+#include "dsp/frame.h"
+
+namespace zoq::tables {
+
+namespace {
+
+Eigen::FFT<double>& half_spectrum_fft() {
+    thread_local Eigen::FFT<double> fft(Eigen::FFT<double>::impl_type(), Eigen::FFT<double>::HalfSpectrum);
+    return fft;
+}
+
+}  // namespace
+
+Spectrum transform(const Signal& x, size_t length) {
+    Signal padded(x);
+    padded.resize(length);
+    Spectrum bins;
+    half_spectrum_fft().fwd(bins, padded);
+    return bins;
+}
+
+Signal inverse_transform(const Spectrum& bins) {
+    Signal x;
+    half_spectrum_fft().inv(x, bins);
+    return x;
+}
+
+Signal octave_smooth(const Signal& power, double octaves) {
+    Signal running(1, 0.0);
+    for (const double value : power) {
+        running.push_back(running.back() + value);
+    }
+    const double half = std::exp2(octaves / 2);
+    Signal smooth;
+    for (size_t k = 0; k < power.size(); ++k) {
+        const auto first = size_t(std::floor(double(k) / half));
+        const auto last = std::min(power.size() - 1, size_t(std::ceil(double(k) * half)));
+        smooth.push_back((running[last + 1] - running[first]) / double(last + 1 - first));
+    }
+    return smooth;
+}
+
+// The logarithm of a minimum-phase spectrum has a causal inverse transform, so the cepstrum of the magnitudes
+// is folded onto its positive half.
+Signal minimum_phase(const Signal& magnitude, size_t taps) {
+    constexpr double kFloor = 1e-5;
+    constexpr size_t kFade = 32;
+    Spectrum logarithm;
+    for (const double value : magnitude) {
+        logarithm.emplace_back(std::log(std::max(value, kFloor)));
+    }
+    Signal cepstrum = inverse_transform(logarithm);
+    const size_t length = cepstrum.size();
+    for (size_t n = 1; n < length / 2; ++n) {
+        cepstrum[n] *= 2.0;
+        cepstrum[length - n] = 0.0;
+    }
+    Spectrum bins = transform(cepstrum, length);
+    for (std::complex<double>& bin : bins) {
+        bin = std::exp(bin);
+    }
+    Signal response = inverse_transform(bins);
+    response.resize(taps);
+    for (size_t n = taps - kFade; n < taps; ++n) {
+        response[n] *= raised_cosine(double(n), double(taps), double(taps - kFade));
+    }
+    return response;
+}
+
+Section highpass(double hz) {
+    const double K = std::tan(std::numbers::pi * hz / android::kSampleRateHz);
+    const double a0 = 1.0 + std::numbers::sqrt2 * K + K * K;
+    return {{1.0 / a0, -2.0 / a0, 1.0 / a0},
+            {1.0, 2.0 * (K * K - 1.0) / a0, (1.0 - std::numbers::sqrt2 * K + K * K) / a0}};
+}
+
+Section lowpass(double hz) {
+    const double K = std::tan(std::numbers::pi * hz / android::kSampleRateHz);
+    return {{K / (1.0 + K), K / (1.0 + K), 0.0}, {1.0, (K - 1.0) / (1.0 + K), 0.0}};
+}
+
+Section shelf(double hz, double topDb) {
+    const double K = std::tan(std::numbers::pi * hz / android::kSampleRateHz);
+    const double top = std::pow(10.0, topDb / 20.0);
+    return {{(K + top) / (1.0 + K), (K - top) / (1.0 + K), 0.0}, {1.0, (K - 1.0) / (1.0 + K), 0.0}};
+}
+
+Signal filtered(const Section& section, const Signal& x) {
+    double z1 = 0.0, z2 = 0.0;
+    Signal y;
+    for (const double value : x) {
+        y.push_back(section.b[0] * value + z1);
+        z1 = section.b[1] * value - section.a[1] * y.back() + z2;
+        z2 = section.b[2] * value - section.a[2] * y.back();
+    }
+    return y;
+}
+
+double energy(const Signal& x) {
+    double sum = 0.0;
+    for (const double value : x) {
+        sum += value * value;
+    }
+    return sum;
+}
+
+double decibel(double power) {
+    return 10.0 * std::log10(power);
+}
+
+double raised_cosine(double x, double from, double to) {
+    const double t = std::clamp((x - from) / (to - from), 0.0, 1.0);
+    return 0.5 - 0.5 * std::cos(std::numbers::pi * t);
+}
+
+std::optional<double> find_root(const std::function<double(double)>& f, double low, double high) {
+    const bool rising = f(low) < 0.0;
+    if (rising != (f(high) > 0.0)) {
+        return std::nullopt;
+    }
+    for (int i = 0; i < 60; ++i) {
+        const double middle = 0.5 * (low + high);
+        ((f(middle) < 0.0) == rising ? low : high) = middle;
+    }
+    return 0.5 * (low + high);
+}
+
+}  // namespace zoq::tables

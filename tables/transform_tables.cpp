@@ -1,0 +1,69 @@
+#include "tables/transform_tables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace zoq::tables {
+
+namespace {
+
+using android::kBins;
+using android::kFrameSamples;
+
+double turn(int j) {
+    return 2.0 * std::numbers::pi * j / kFrameSamples;
+}
+
+// The doubles nearest to pi/2 and pi are not those numbers: their cosine and sine are 1e-16 where a quarter
+// turn's cosine and a half turn's sine are 0.
+double cosine(int j) {
+    return 4 * j == kFrameSamples ? 0.0 : std::cos(turn(j));
+}
+
+double sine(int j) {
+    return 2 * j == kFrameSamples ? 0.0 : std::sin(turn(j));
+}
+
+struct Table {
+    const char* declaration;
+    int size;
+    double (*value)(int);
+};
+
+constexpr Table kTables[] = {
+    {"kTwiddleCos[kBins]", kBins, cosine},
+    {"kTwiddleForwardSin[kBins]", kBins, [](int j) { return 0.0 - sine(j); }},
+    {"kTwiddleInverseSin[kBins]", kBins, sine},
+    {"kSineWindow[kFrameSamples]", kFrameSamples,
+     [](int n) { return std::sin(std::numbers::pi * n / kFrameSamples); }},
+};
+
+}  // namespace
+
+GeneratedFile transform_tables_file() {
+    double worst = 0.0;
+    std::vector<std::vector<float>> tables;
+    for (const Table& table : kTables) {
+        std::vector<float>& floats = tables.emplace_back();
+        for (int j = 0; j < table.size; ++j) {
+            floats.push_back(float(table.value(j)));
+            worst = std::max(worst, std::fabs(double(floats.back()) - table.value(j)));
+        }
+    }
+
+    SourceText text(
+        "dsp/fft_tables.h",
+        {"Twiddle factors and the analysis window. Made by zoq-make-tables (tables/transform_tables.cpp).",
+         "Formula: sine and cosine in double precision, rounded to float; exactly 0 at quarter and half "
+         "turns.",
+         "Worst error: " + rounded(worst) + ", the rounding to float."});
+    for (size_t i = 0; i < std::size(kTables); ++i) {
+        text.line((i == 0 ? "" : "\n") + std::string("const float ") + kTables[i].declaration + " = {");
+        text.values(tables[i]);
+        text.line("};");
+    }
+    return {"dsp/fft_tables.cpp", text.finish(), {.ulps = 1}};
+}
+
+}  // namespace zoq::tables

@@ -1,0 +1,71 @@
+// zoq: the engine on a desk.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+
+#include "tools/zoq/descriptor.h"
+#include "tools/zoq/failure.h"
+#include "tools/zoq/interruption.h"
+#include "tools/zoq/render_command.h"
+
+namespace {
+
+constexpr char kFooter[] =
+    "'zoq COMMAND --help' says more. Exit code: 0 done, 1 failed while running, 2 wrong command line.";
+
+int fail(std::string message, int code) {
+    std::replace(message.begin(), message.end(), '\n', ' ');
+    std::fprintf(stderr, "zoq: %s\n", message.c_str());
+    return code;
+}
+
+// Help and version text; what cannot be printed is a failure.
+int print(const std::string& text) {
+    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+        return fail("cannot write standard output", zoq::kExitFailure);
+    }
+    return zoq::kExitOk;
+}
+
+int run(CLI::App& app, int argc, char** argv) {
+    try {
+        app.parse(argc, argv);
+        return zoq::kExitOk;
+    } catch (const CLI::CallForHelp&) {
+        return print(app.help());
+    } catch (const CLI::CallForVersion& version) {
+        return print(std::string(version.what()) + "\n");
+    } catch (const CLI::ParseError& error) {
+        if (app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-') {
+            return fail("unknown command '" + std::string(argv[1]) + "' (zoq --help)", zoq::kExitUsage);
+        }
+        return fail(error.what() + std::string(" (zoq --help)"), zoq::kExitUsage);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    zoq::occupy_standard_descriptors();
+    zoq::watch_signals();
+    try {
+        CLI::App app("Processes sound with libzoq2processing as a phone would.", "zoq");
+        app.footer(kFooter);
+        app.set_version_flag("--version", "zoq " ZOQ_VERSION);
+        app.require_subcommand(1);
+        zoq::add_render_command(app);
+        return run(app, argc, argv);
+    } catch (const zoq::UsageFailure& failure) {
+        return fail(failure.what(), zoq::kExitUsage);
+    } catch (const zoq::Interrupted& interrupted) {
+        fail("interrupted", zoq::kExitFailure);
+        zoq::end_by_signal(interrupted.signal);
+    } catch (const std::bad_alloc&) {
+        return fail("out of memory", zoq::kExitFailure);
+    } catch (const std::exception& failure) {
+        return fail(failure.what(), zoq::kExitFailure);
+    }
+}

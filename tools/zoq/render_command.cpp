@@ -1,0 +1,115 @@
+#include "tools/zoq/render_command.h"
+
+#include <unistd.h>
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <limits>
+#include <memory>
+
+#include "tools/zoq/failure.h"
+#include "tools/zoq/render.h"
+#include "tools/zoq/report.h"
+
+namespace zoq {
+
+namespace {
+
+struct Command {
+    RenderOptions options;
+    std::string route = "speaker";
+    int volume = 0;
+    bool quiet = false;
+    bool textReport = false;
+    bool jsonReport = false;
+};
+
+constexpr char kFooter[] =
+    "The output is 16-bit stereo at 48000 Hz, WAV or FLAC by its name. It has as many sample frames as the\n"
+    "input at that rate, and every sound sits where it was: the engine's start, fade-in and delay are taken\n"
+    "off. --as-played leaves them in: 6000 sample frames (0.125 s) untouched, a fade-in of 5120, the delay.\n"
+    "\n"
+    "INPUT is anything libsndfile reads: WAV, FLAC, Ogg Vorbis, Opus, MP3, ... at any rate, with up to 8\n"
+    "channels. '-' is standard input or standard output (as WAV), both kept in memory. The report goes to\n"
+    "standard output, or to standard error when OUTPUT is '-'. /etc/zoq/zoq_config.txt applies if it "
+    "exists.\n"
+    "\n"
+    "Exit code: 0 done; 1 a file cannot be read or written (nothing half-written remains, and an existing\n"
+    "OUTPUT stays as it was); 2 the command line is wrong.";
+
+void add_files(CLI::App& app, RenderOptions& options) {
+    app.add_option("INPUT", options.input, "the file to process, or - for standard input")->required();
+    app.add_option("OUTPUT", options.output, "the .wav or .flac file to write, or - for standard output")
+        ->required();
+}
+
+void add_engine_options(CLI::App& app, Command& command) {
+    RenderOptions& options = command.options;
+    app.add_option("--route", command.route, "speaker (default) or headphone")
+        ->check(CLI::IsMember({"speaker", "headphone"}))
+        ->option_text("ROUTE");
+    app.add_option("--volume", command.volume, "volume index, as of a volume notification (default: 15)")
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
+        ->option_text("INDEX");
+    app.add_option("--set", options.settings,
+                   "one setting as in a parameter string, such as DS_stereoWidth=80; may be repeated")
+        ->expected(1)
+        ->take_all()
+        ->option_text("KEY=VALUE");
+    app.add_option("--block", options.blockFrames,
+                   "sample frames per call, 1 to 18432 (default: 512, a hop: no queue, no short queue)")
+        ->check(CLI::Range(1, kMaxBlockFrames))
+        ->option_text("FRAMES");
+    app.add_flag("--bypass", options.bypass, "processing off: the output equals the input");
+    app.add_flag("--as-played", options.asPlayed, "what a phone's listener hears, start and delay included");
+}
+
+void add_report_options(CLI::App& app, Command& command) {
+    CLI::Option* text =
+        app.add_flag("--report", command.textReport, "print loudness, true peak, delay and speed when done");
+    app.add_flag("--json", command.jsonReport, "print the report as JSON")->excludes(text);
+    app.add_option("--curves", command.options.curves,
+                   "write outlines and spectra, before and after, as a table for gnuplot")
+        ->option_text("FILE");
+    app.add_flag("-q,--quiet", command.quiet, "no messages but errors, no progress bar");
+}
+
+void print(std::FILE* stream, const std::string& text) {
+    if (std::fputs(text.c_str(), stream) < 0 || std::fflush(stream) != 0) {
+        throw system_failure("cannot write", "the report", errno);
+    }
+}
+
+void run(Command& command, const CLI::App& app) {
+    RenderOptions& options = command.options;
+    options.route = command.route == "headphone" ? Route::kHeadphone : Route::kSpeaker;
+    if (app.count("--volume") > 0) {
+        options.volume = command.volume;
+    }
+    options.measure = command.textReport || command.jsonReport;
+    options.showProgress = !command.quiet;
+    const bool quiet = command.quiet;
+    const RenderResult result = render(options, [quiet](const std::string& line) {
+        if (!quiet) {
+            std::fprintf(stderr, "zoq: %s\n", line.c_str());
+        }
+    });
+    if (options.measure) {
+        print(options.output == "-" ? stderr : stdout,
+              command.jsonReport ? json_report(options, result) : text_report(options, result));
+    }
+}
+
+}  // namespace
+
+void add_render_command(CLI::App& app) {
+    CLI::App* render = app.add_subcommand("render", "Process an audio file as a phone would play it");
+    render->footer(kFooter);
+    const auto command = std::make_shared<Command>();
+    add_files(*render, command->options);
+    add_engine_options(*render, *command);
+    add_report_options(*render, *command);
+    render->callback([command, render] { run(*command, *render); });
+}
+
+}  // namespace zoq
