@@ -17,6 +17,18 @@ constexpr double kLowestRateHz = 32000.0, kHighestRateHz = 192000.0;
 constexpr unsigned kShortestResponse = 32, kLongestResponse = 16384;
 constexpr double kLongestDelay = 4096.0;  // samples, beyond the shortest of the file
 
+using Point = std::array<double, 3>;
+
+Point unit(const Direction& direction) {
+    const double azimuth = direction.azimuth * kDegree, elevation = direction.elevation * kDegree;
+    return {std::cos(elevation) * std::cos(azimuth), std::cos(elevation) * std::sin(azimuth),
+            std::sin(elevation)};
+}
+
+double dot(const Point& a, const Point& b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
 struct Freed {
     void operator()(MYSOFA_HRTF* file) const { mysofa_free(file); }
 };
@@ -171,18 +183,22 @@ void require_sound(const Head& head) {
 }
 
 double angle(const Direction& a, const Direction& b) {
-    const double cosine = std::sin(a.elevation * kDegree) * std::sin(b.elevation * kDegree) +
-                          std::cos(a.elevation * kDegree) * std::cos(b.elevation * kDegree) *
-                              std::cos((a.azimuth - b.azimuth) * kDegree);
-    return std::acos(std::clamp(cosine, -1.0, 1.0)) / kDegree;
+    return std::acos(std::clamp(dot(unit(a), unit(b)), -1.0, 1.0)) / kDegree;
 }
 
+// Of two equally near the first counts: without the margin, rounding would choose, differently on each machine.
 size_t nearest(const Head& head, const Direction& wanted) {
-    const auto closer = [&](const Direction& a, const Direction& b) {
-        return angle(a, wanted) < angle(b, wanted);
-    };
-    const auto found = std::min_element(head.directions.begin(), head.directions.end(), closer);
-    return size_t(found - head.directions.begin());
+    constexpr double kMargin = 1e-9;
+    const Point towards = unit(wanted);
+    size_t best = 0;
+    double closest = -2.0;
+    for (size_t m = 0; m < head.directions.size(); ++m) {
+        if (const double cosine = dot(unit(head.directions[m]), towards); cosine > closest + kMargin) {
+            closest = cosine;
+            best = m;
+        }
+    }
+    return best;
 }
 
 std::complex<double> response_at(const Head& head, size_t measurement, Ear ear, double hz) {

@@ -33,7 +33,7 @@ constexpr double kFlattened = 0.75;
 constexpr double kNearEnergy = 0.5;
 
 // Where the other ear's direct sound is bent to meet the energy ratio, and how far at most.
-constexpr double kShelfHz = 1500.0, kShelfLowestDb = -24.0, kShelfHighestDb = 12.0;
+constexpr double kShelfHz = 1000.0, kShelfLowestDb = -24.0, kShelfHighestDb = 12.0;
 
 // The corner of the high-pass that sets bin 0: low enough to leave the bass whole.
 constexpr double kLowestCornerHz = 1.0, kHighestCornerHz = 18.0;

@@ -41,6 +41,10 @@ double peak_db(double frequencyHz, double centreHz, double gainDb) {
 }
 
 TEST(GraphicEqualizer, ResponseIsThatOfTheAnalogPeaks) {
+    for (int k = 0; k < kGeqBands; ++k) {
+        const double centre = std::tan(std::numbers::pi * 62.5 * std::exp2(k) / signals::kRateHz);
+        EXPECT_FLOAT_EQ(record_with({}).bandWarp[k], float(centre));
+    }
     constexpr size_t kSamples = 24 * kHopSamples;  // the lowest band rings for 350 samples per neper
     Gains single{};
     single[0] = 12.0f;
@@ -104,6 +108,13 @@ TEST(GraphicEqualizer, RedesignsOnAChangedGainOnly) {
     EXPECT_EQ(second_part(3.0f, 0.7f, 0.3f), steady);
     EXPECT_NE(second_part(3.0001f, Q, warp), steady);
     EXPECT_NE(second_part(3.0001f, 0.7f, 0.3f), second_part(3.0001f, Q, warp));
+    // After a reset even a gain seen before is designed anew.
+    graphicalEQ_init();
+    record = record_with({0.0f, 0.0f, 3.0f});
+    const Stereo octave = play(first, record);
+    graphicalEQ_init();
+    record.bandQ = 0.7f;
+    EXPECT_NE(play(first, record), octave);
 }
 
 TEST(GraphicEqualizer, ABypassedBandKeepsItsState) {

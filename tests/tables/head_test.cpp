@@ -1,0 +1,158 @@
+// Heads from files that are wrong, and rooms for a head other than the one they were tuned with.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <numbers>
+#include <sstream>
+
+#include "tables/head.h"
+#include "tables/room_responses.h"
+
+using namespace zoq::tables;
+
+namespace {
+
+// A rigid ball without pinnae, after Brown and Duda 1998: Woodworth's delay, and a shelf that lifts the treble by
+// 6 dB on the near side and takes it away on the far side.
+Head ball(double rateHz, double lowestElevation = -45.0) {
+    constexpr double kDegree = std::numbers::pi / 180.0, kRadius = 0.0875, kSpeedOfSound = 343.0;
+    constexpr double kCorner = kSpeedOfSound / kRadius;  // radians per second
+    Head head;
+    head.rateHz = rateHz;
+    for (double elevation = lowestElevation; elevation <= 90.0; elevation += 15.0) {
+        for (double azimuth = 0.0; azimuth < 360.0; azimuth += 10.0) {
+            head.directions.push_back({azimuth, elevation});
+            auto& ears = head.responses.emplace_back();
+            const double lateral = std::asin(std::sin(azimuth * kDegree) * std::cos(elevation * kDegree));
+            for (const Ear ear : {kLeftEar, kRightEar}) {
+                const double away = ear == kLeftEar ? -lateral : lateral;  // positive: on the far side
+                const double delay = (away > 0 ? away : std::sin(away)) * kRadius / kSpeedOfSound;
+                const double top = 1.05 + 0.95 * std::cos((away / kDegree + 90.0) * 180.0 / 150.0 * kDegree);
+                const double b0 = kCorner + top * rateHz, b1 = kCorner - top * rateHz, a0 = kCorner + rateHz,
+                             a1 = kCorner - rateHz;
+                ears[ear].assign(256, 0.0);
+                const auto first = size_t(std::lround(rateHz * (0.0005 + delay)));
+                ears[ear][first] = b0 / a0;
+                ears[ear][first + 1] = (b1 - a1 * b0 / a0) / a0;
+                for (size_t n = first + 2; n < 256; ++n) {
+                    ears[ear][n] = -a1 / a0 * ears[ear][n - 1];
+                }
+            }
+        }
+    }
+    return head;
+}
+
+// Runs f and returns what it complained of.
+template <typename Action>
+std::string complaint(Action f) {
+    try {
+        f();
+    } catch (const HeadError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+std::string written(const std::string& bytes) {
+    const std::string path = testing::TempDir() + "zoq_head_test.sofa";
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path;
+}
+
+std::string measured_file() {
+    std::ostringstream bytes;
+    bytes << std::ifstream(kDefaultHeadFile, std::ios::binary).rdbuf();
+    return bytes.str();
+}
+
+bool says(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+}  // namespace
+
+TEST(LoadHead, ReadsTheMeasuredHead) {
+    const Head head = load_head(kDefaultHeadFile);
+    EXPECT_EQ(head.rateHz, 44100.0);
+    EXPECT_EQ(head.directions.size(), 710u);
+    // Straight left, the near ear is louder and 0.6 to 0.8 ms earlier.
+    const size_t left = nearest(head, {90.0, 0.0});
+    EXPECT_LT(angle(head.directions[left], {90.0, 0.0}), 1.0);
+    EXPECT_GT(energy(head.responses[left][kLeftEar]), 10.0 * energy(head.responses[left][kRightEar]));
+    EXPECT_NEAR(interaural(head, {90.0, 0.0}).delaySamples / 48.0, 0.75, 0.12);
+}
+
+TEST(LoadHead, SaysWhatIsWrongWithAFile) {
+    EXPECT_TRUE(says(complaint([] { load_head("/nowhere/head.sofa"); }), "cannot read /nowhere/head.sofa"));
+    EXPECT_TRUE(says(complaint([] { load_head(written("this is a text")); }), "not a SOFA file"));
+    EXPECT_TRUE(says(complaint([] { load_head(written("")); }), "not a SOFA file"));
+    std::string bytes = measured_file();
+    EXPECT_NE(complaint([&] { load_head(written(bytes.substr(0, bytes.size() / 2))); }), "");
+
+    const std::string convention = "SimpleFreeFieldHRIR";
+    const size_t at = bytes.find(convention);
+    ASSERT_NE(at, std::string::npos);
+    bytes.replace(at, convention.size(), "SimpleFreeFieldXXIR");
+    const std::string said = complaint([&] { load_head(written(bytes)); });
+    EXPECT_TRUE(says(said, "SimpleFreeFieldXXIR") && says(said, convention)) << said;
+}
+
+TEST(RequireSound, SaysWhatIsWrongWithTheData) {
+    const Head good = ball(48000.0);
+    EXPECT_EQ(complaint([&] { require_sound(good); }), "");
+    const auto broken = [&](auto&& breaking) {
+        Head head = good;
+        breaking(head);
+        return complaint([&] { require_sound(head); });
+    };
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_TRUE(
+        says(broken([&](Head& head) { head.responses[7][1][3] = nan; }), "measurement 8 holds values"));
+    EXPECT_TRUE(
+        says(broken([&](Head& head) { head.directions[3].azimuth = nan; }), "measurement 4 has no finite"));
+    EXPECT_TRUE(
+        says(broken([](Head& head) { head.responses[2][0].assign(256, 0.0); }), "measurement 3 is silent"));
+    EXPECT_TRUE(says(broken([](Head& head) { head.rateHz = 8000.0; }), "sampling rate"));
+    EXPECT_TRUE(says(broken([&](Head& head) { head.rateHz = nan; }), "sampling rate"));
+    EXPECT_TRUE(says(broken([](Head& head) { head.directions.clear(); }), "no measurements"));
+    EXPECT_TRUE(says(broken([](Head& head) {
+                         for (auto& ears : head.responses) {
+                             std::swap(ears[0], ears[1]);
+                         }
+                     }),
+                     "exchanged"));
+}
+
+TEST(Rooms, RefuseAHeadWithoutTheDirectionsTheyNeed) {
+    EXPECT_TRUE(says(complaint([] { make_room_responses(ball(48000.0, 0.0)); }), "elevation -40"));
+    Head head = ball(48000.0);
+    for (Direction& direction : head.directions) {
+        if (angle(direction, {60.0, 0.0}) < 20.0) {
+            direction = {0.0, 0.0};
+        }
+    }
+    EXPECT_TRUE(says(complaint([&] { make_room_responses(head); }), "azimuth 60, elevation 0"));
+}
+
+TEST(Rooms, MeetTheirPlansWithAnotherHeadAtAnyRate) {
+    for (const double rateHz : {48000.0, 96000.0, 44100.0}) {
+        const RoomResponses rooms = make_room_responses(ball(rateHz));
+        for (int r = 0; r < android::kX2bResponses; ++r) {
+            const ResponsePlan& plan = kResponsePlans[size_t(r)];
+            const ResponseQuality quality = measure_response(rooms.tables(), r);
+            EXPECT_EQ(quality.arrival, plan.arrivalTap) << rateHz << " " << r;
+            for (size_t side = 0; side < 2; ++side) {
+                EXPECT_NEAR(quality.bin0[side], plan.bin0[side], 1e-6) << rateHz << " " << r;
+            }
+            if (plan.energyRatio > 0.0) {
+                EXPECT_NEAR(quality.energyRatio / plan.energyRatio, 1.0, 0.05) << rateHz << " " << r;
+            }
+            EXPECT_GT(quality.share[0][0], 0.95);
+        }
+        EXPECT_LT(measure_lateral(rooms.tables(), 0.7).colourationDb, 1.5) << rateHz;
+    }
+}

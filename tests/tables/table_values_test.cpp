@@ -1,0 +1,220 @@
+// The tables that follow formulas: transforms, pan curves, sections; and the comparison that guards them all.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <cstdio>
+#include <numbers>
+
+#include "dsp/fft_tables.h"
+#include "modules/den/den_tables.h"
+#include "modules/vb/vb_tables.h"
+#include "tables/generated_file.h"
+
+using namespace android;
+
+namespace {
+
+constexpr long double kPi = std::numbers::pi_v<long double>;
+
+std::string six_digits(float value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.6g", double(value));
+    return text;
+}
+
+}  // namespace
+
+TEST(TransformTables, AreTheNearestFloats) {
+    for (int j = 0; j < kBins; ++j) {
+        const long double angle = 2.0L * kPi * static_cast<long double>(j) / kFrameSamples;
+        const bool quarter = j == 256, half = j == 512;
+        EXPECT_EQ(kTwiddleCos[j], quarter ? 0.0f : float(std::cos(angle))) << j;
+        EXPECT_EQ(kTwiddleInverseSin[j], half ? 0.0f : float(std::sin(angle))) << j;
+        EXPECT_EQ(kTwiddleForwardSin[j], -kTwiddleInverseSin[j]) << j;
+    }
+    for (int n = 0; n < kFrameSamples; ++n) {
+        EXPECT_EQ(kSineWindow[n], float(std::sin(kPi * static_cast<long double>(n) / kFrameSamples))) << n;
+    }
+}
+
+TEST(PanCurves, HaveTheListedColumns) {
+    const struct {
+        int K;
+        const char* coefficients[4];
+    } listed[] = {
+        {25, {"-0.0681361", "-0.0183249", "1.08643", "-0.000224168"}},
+        {50, {"0.0301256", "-0.868167", "1.84063", "-0.00833083"}},
+        {75, {"2.37394", "-5.34091", "3.99241", "-0.00577318"}},
+        {100, {"4.56978", "-8.54254", "4.89881", "0.161961"}},
+    };
+    for (const auto& column : listed) {
+        for (int row = 0; row < 4; ++row) {
+            EXPECT_EQ(six_digits(kWideCurve[row][column.K - 1]), column.coefficients[row])
+                << column.K << " " << row;
+        }
+    }
+    // The identity; what is left of its even terms is what a double-precision fit leaves, to 1e-13.
+    EXPECT_EQ(six_digits(kWideCurve[0][0]), "-6.58555e-05");
+    EXPECT_EQ(six_digits(kWideCurve[2][0]), "1.00007");
+    EXPECT_NEAR(double(kWideCurve[1][0]), -1.23816e-08, 1e-13);
+    EXPECT_NEAR(double(kWideCurve[3][0]), -1.563e-10, 1e-13);
+}
+
+// A fit is the least-squares one exactly if what it leaves is orthogonal to all it could have used.
+TEST(PanCurves, LeaveResidualsOrthogonalToCubics) {
+    for (int K = 1; K <= kDenCurveColumns; ++K) {
+        const double a = (std::pow(2.0, K / 25.0) - 1.0) / 2.0;
+        double moments[4] = {};
+        for (int i = 0; i <= 100; ++i) {
+            const double u = i / 100.0;
+            double curve = 0.0;
+            for (const auto& row : kWideCurve) {
+                curve = curve * u + double(row[K - 1]);
+            }
+            for (int power = 0; power < 4; ++power) {
+                moments[power] += (std::tanh(a * u) / std::tanh(a) - curve) * std::pow(u, power) / 101.0;
+            }
+        }
+        for (const double moment : moments) {
+            EXPECT_NEAR(moment, 0.0, 3e-7) << K;  // coefficients up to 8.5, rounded to float
+        }
+    }
+}
+
+TEST(PanCurves, MoveBalancedBinsOnlyFromColumn77) {
+    for (int K = 1; K <= kDenCurveColumns; ++K) {
+        EXPECT_EQ(kWideCurve[3][K - 1] > 0.0f, K >= 77) << K;
+    }
+}
+
+TEST(PanCurves, GrowSmoothlyFromColumnToColumn) {
+    for (int i = 0; i <= 100; ++i) {
+        float last = float(i) / 100.0f;
+        for (int K = 1; K <= kDenCurveColumns; ++K) {
+            float curve = 0.0f;
+            for (const auto& row : kWideCurve) {
+                curve = curve * (float(i) / 100.0f) + row[K - 1];
+            }
+            EXPECT_GT(curve, -0.02f);
+            EXPECT_LT(curve, 1.1f);
+            const float clamped = std::fmin(std::fmax(curve, 0.0f), 1.0f);
+            EXPECT_GT(clamped - last, -0.002f) << K << " " << i;
+            EXPECT_LT(clamped - last, 0.02f) << K << " " << i;
+            last = clamped;
+        }
+    }
+}
+
+// Poles inside the unit circle, and the response that the name promises, from the transfer function itself.
+TEST(BassSections, AreButterworthFiltersAtTheirCutoffs) {
+    const auto gain = [](const float* sos, int sections, double hz) {
+        const std::complex<double> z = std::polar(1.0, -2.0 * std::numbers::pi * hz / kSampleRateHz);
+        std::complex<double> h = 1.0;
+        for (int s = 0; s < sections; ++s) {
+            const auto c = [&](int j) { return double(sos[3 * j + s]); };
+            h *= (c(0) + z * (c(1) + z * c(2))) / (c(3) + z * (c(4) + z * c(5)));
+        }
+        return std::abs(h);
+    };
+    const double half = std::sqrt(0.5);
+    for (const VbSections& set : kVbSections) {
+        // Four cutoffs' input high-passes have zeros a little off z = 1, and float coefficients near z = 1 cost
+        // the low corners their last digits.
+        EXPECT_NEAR(gain(set.lowpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
+        EXPECT_NEAR(gain(set.outputHighpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
+        EXPECT_NEAR(gain(set.inputHighpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
+        EXPECT_NEAR(gain(set.outputHighpassSos, 2, 8000), 1.0, 1e-3) << set.cutoffHz;
+        EXPECT_NEAR(gain(set.inputHighpassSos, 2, 8000), 1.0, 1e-3) << set.cutoffHz;
+        EXPECT_NEAR(gain(set.bandHighpassSos, 1,
+                         set.cutoffHz <= 80    ? 30
+                         : set.cutoffHz <= 120 ? 50
+                         : set.cutoffHz == 150 ? 70
+                                               : 80),
+                    half, 0.01)
+            << set.cutoffHz;
+    }
+    EXPECT_NEAR(gain(kVbHarmonicLowpassSos, 1, 420), half, 1e-3);
+    EXPECT_NEAR(gain(kVbHarmonicLowpassSos, 1, 0), 1.0, 1e-3);
+}
+
+// The set in every factory record, coefficient by coefficient.
+TEST(BassSections, HaveTheGivenSetFor80Hz) {
+    const VbSections& set = kVbSections[2];
+    ASSERT_EQ(set.cutoffHz, 80);
+    const float lowpass[] = {7.41426642e-10f,
+                             1,
+                             0,
+                             1.48285328e-09f,
+                             1.99999988f,
+                             0,
+                             7.41426642e-10f,
+                             1,
+                             0,
+                             1,
+                             1,
+                             0,
+                             -1.98072743f,
+                             -1.99190795f,
+                             0,
+                             0.980836093f,
+                             0.99201721f,
+                             0};
+    const float input[] = {0.986410797f,
+                           1,
+                           0,
+                           -1.97282171f,
+                           -1.99999988f,
+                           0,
+                           0.986410797f,
+                           1,
+                           0,
+                           1,
+                           1,
+                           0,
+                           -1.98072743f,
+                           -1.99190795f,
+                           0,
+                           0.980836093f,
+                           0.99201721f,
+                           0};
+    const float output[] = {0.986410797f,
+                            1,
+                            0,
+                            -1.97282159f,
+                            -2,
+                            0,
+                            0.986410797f,
+                            1,
+                            0,
+                            1,
+                            1,
+                            0,
+                            -1.98072743f,
+                            -1.99190795f,
+                            0,
+                            0.980836093f,
+                            0.99201721f,
+                            0};
+    for (int i = 0; i < kSectionMatrixFloats; ++i) {
+        EXPECT_EQ(set.lowpassSos[i], lowpass[i]) << i;
+        EXPECT_EQ(set.inputHighpassSos[i], input[i]) << i;
+        EXPECT_EQ(set.outputHighpassSos[i], output[i]) << i;
+    }
+}
+
+TEST(Comparison, FindsNumbersBeyondTheToleranceAndIgnoresComments) {
+    using namespace zoq::tables;
+    const GeneratedFile remade{
+        "file", "// error 1\nconst float k[3] = {1.0f, -0.5f, 1e-06f};\n", {.ulps = 1}};
+    EXPECT_EQ(difference("// error 2\nconst float k[3] = {1.0000001f,\n -0.5f, 1e-06f};\n", remade), "");
+    EXPECT_NE(difference("const float k[3] = {1.0000002f, -0.5f, 1e-06f};\n", remade), "");
+    EXPECT_NE(difference("const float k[3] = {1.0f, 0.5f, 1e-06f};\n", remade), "");
+    EXPECT_NE(difference("const float k[3] = {1.0f, -0.5f};\n", remade), "");
+    EXPECT_NE(difference("const float j[3] = {1.0f, -0.5f, 1e-06f};\n", remade), "");
+    EXPECT_NE(difference("const float k[3] = {1.0f, -0.5f, nanf};\n", remade), "");
+
+    const GeneratedFile loose{"file", remade.text, {.ulps = 0, .ofPeak = 1e-6}};
+    EXPECT_EQ(difference("const float k[3] = {1.0f, -0.5f, 1.5e-06f};\n", loose), "");
+    EXPECT_NE(difference("const float k[3] = {1.0f, -0.5f, 2.5e-06f};\n", loose), "");
+}
