@@ -78,9 +78,24 @@ void tell_about_short_blocks(const EngineSession& session, bool asPlayed, const 
     }
 }
 
+// What the second pass needs is known before the first: a file that can be read twice, a name that can be written.
+void check_level_match(const RenderOptions& options) {
+    if (options.input == "-") {
+        throw UsageFailure("--level-match reads the input twice, which standard input does not allow");
+    }
+    if (options.levelMatch == "-" || options.levelMatch == options.output) {
+        throw UsageFailure("--level-match needs a file of its own");
+    }
+    output_format(options.levelMatch);
+}
+
 }  // namespace
 
 RenderResult render(const RenderOptions& options, const Note& note) {
+    Timeline timeline(options.timeline);
+    if (!options.levelMatch.empty()) {
+        check_level_match(options);
+    }
     output_format(options.output);  // a name without a known ending is refused before anything is read
     AudioInput input(options.input);
     if (options.output != "-" && input.is_same_file(options.output)) {
@@ -92,7 +107,7 @@ RenderResult render(const RenderOptions& options, const Note& note) {
     AudioOutput output(options.output);
     tell_about_input(input, note);
 
-    Renderer renderer(options, source, output, session);
+    Renderer renderer(options, timeline, source, output, session);
     renderer.run();
     if (renderer.taken() == 0) {
         throw Failure("cannot read " + input.name() + ": it holds no audio");
@@ -116,6 +131,15 @@ RenderResult render(const RenderOptions& options, const Note& note) {
     result.playedSeconds = static_cast<double>(session.blocks() * session.block_frames()) / kEngineRate;
     result.before = renderer.before().loudness();
     result.after = renderer.after().loudness();
+    if (!options.levelMatch.empty()) {
+        result.levelMatch =
+            write_level_matched(options.input, options.levelMatch, *result.before, *result.after);
+        note(options.levelMatch + " is the input with " + formatted("%+.1f dB", result.levelMatch->gainDb) +
+             ", as loud as the output");
+        if (result.levelMatch->clipped > 0) {
+            note(std::to_string(result.levelMatch->clipped) + " samples of it clip at that level");
+        }
+    }
     return result;
 }
 

@@ -8,7 +8,7 @@
 namespace zoq {
 
 Observer::Observer(const RenderOptions& options)
-    : meter_(options.measure ? std::make_unique<LoudnessMeter>() : nullptr),
+    : meter_(options.measure || !options.levelMatch.empty() ? std::make_unique<LoudnessMeter>() : nullptr),
       curve_(options.curves.empty() ? nullptr : std::make_unique<Curve>()) {}
 
 void Observer::add(const int16_t* stereo, int frames) const {
@@ -24,9 +24,10 @@ std::optional<Loudness> Observer::loudness() const {
     return meter_ ? std::optional(meter_->result()) : std::nullopt;
 }
 
-Renderer::Renderer(const RenderOptions& options, StereoSource& source, AudioOutput& output,
-                   EngineSession& session)
+Renderer::Renderer(const RenderOptions& options, Timeline& timeline, StereoSource& source,
+                   AudioOutput& output, EngineSession& session)
     : options_(options),
+      timeline_(timeline),
       source_(source),
       output_(output),
       session_(session),
@@ -51,6 +52,7 @@ void Renderer::run() {
 
 void Renderer::play_block() {
     const int frames = session_.block_frames();
+    timeline_.apply_until(taken_, session_);
     const int got = ended_ ? 0 : source_.read(block_.data(), frames);
     std::fill(block_.begin() + 2 * got, block_.end(), int16_t{0});
     before_.add(block_.data(), got);

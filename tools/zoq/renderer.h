@@ -10,6 +10,7 @@
 #include "tools/zoq/curves.h"
 #include "tools/zoq/render.h"
 #include "tools/zoq/stereo_source.h"
+#include "tools/zoq/timeline.h"
 
 namespace zoq {
 
@@ -29,7 +30,8 @@ class Observer {
 
 class Renderer {
   public:
-    Renderer(const RenderOptions& options, StereoSource& source, AudioOutput& output, EngineSession& session);
+    Renderer(const RenderOptions& options, Timeline& timeline, StereoSource& source, AudioOutput& output,
+             EngineSession& session);
 
     // The whole source, with silence behind its end until nothing of it is missing in the output.
     void run();
@@ -46,6 +48,7 @@ class Renderer {
     void write(const int16_t* stereo, int frames);
 
     const RenderOptions& options_;
+    Timeline& timeline_;
     StereoSource& source_;
     AudioOutput& output_;
     EngineSession& session_;

@@ -33,7 +33,7 @@ void check(const std::string& key, const std::string& value) {
                        : key == "processing" ? value == "on" || value == "off"
                        : key == "volume"     ? !value.empty() && value.size() < 10 &&
                                                value.find_first_not_of("0123456789") == std::string::npos
-                                             : is_number(value);
+                                         : is_number(value);
     if (key != "route" && key != "processing" && key != "volume" && !is_setting(key)) {
         throw UsageFailure("--at: unknown setting " + quoted(key));
     }
