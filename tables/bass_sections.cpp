@@ -116,7 +116,8 @@ void add_stage(SourceText& text, const Sections& sections, const std::string& en
             row += shortest(float(sections[s][j]));
             row += s + 1 < sections.size() ? ", " : "";
         }
-        text.line(row + (j + 1 < 6 ? "," : "}" + end));
+        row += j + 1 < 6 ? "," : "}" + end;
+        text.line(row);
     }
 }
 

@@ -96,10 +96,11 @@ Complex basis(Eigen::Index bin, Eigen::Index column) {
 
 // Least squares over all bins, real and imaginary parts in separate rows, the bass weighing more.
 void set_up_fit(const Target& target, Eigen::MatrixXd& rows, Eigen::VectorXd& values) {
-    rows.resize(2 * kBins, kTaps);
-    values.resize(2 * kBins);
-    for (int k = 0; k < kBins; ++k) {
-        const double weight = 1.0 / std::sqrt(1.0 + k / 20.0);
+    constexpr Eigen::Index kRows = 2 * Eigen::Index{kBins};
+    rows.resize(kRows, kTaps);
+    values.resize(kRows);
+    for (Eigen::Index k = 0; k < kBins; ++k) {
+        const double weight = 1.0 / std::sqrt(1.0 + double(k) / 20.0);
         for (int n = 0; n < kTaps; ++n) {
             const Complex e = weight * basis(k, n);
             rows(k, n) = e.real();
