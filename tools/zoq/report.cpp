@@ -18,10 +18,6 @@ double speed(const RenderResult& result) {
     return result.engineSeconds > 0.0 ? result.playedSeconds / result.engineSeconds : 0.0;
 }
 
-const char* route_name(Route route) {
-    return route == Route::kHeadphone ? "headphone" : "speaker";
-}
-
 template <typename... Values>
 std::string row(const char* label, const char* format, Values... values) {
     char text[512];
@@ -64,8 +60,8 @@ std::string text_report(const RenderOptions& options, const RenderResult& result
     text += row("channels", "%d", result.inputChannels);
     text += row("output", "%s", options.output.c_str());
     text += row("duration", "%.2f s", seconds(result.frames));
-    text += row("route", "%s%s", route_name(options.route), options.bypass ? ", bypassed" : "");
-    text += row("block", "%d frames", options.blockFrames);
+    text += row("route", "%s%s", route_name(options.engine.route), options.bypass ? ", bypassed" : "");
+    text += row("block", "%d frames", options.engine.blockFrames);
     text += row("delay", "%d samples (%.1f ms), %s", delay.total(), 1000.0 * seconds(delay.total()),
                 options.asPlayed ? "left in" : "taken off");
     if (result.before && result.after) {
@@ -87,10 +83,10 @@ std::string json_report(const RenderOptions& options, const RenderResult& result
           {"clippedSamples", result.inputClipped}}},
         {"output", {{"file", options.output}, {"rateHz", kEngineRate}, {"frames", result.framesWritten}}},
         {"durationSeconds", seconds(result.frames)},
-        {"route", route_name(options.route)},
+        {"route", route_name(options.engine.route)},
         {"processing", !options.bypass},
         {"asPlayed", options.asPlayed},
-        {"blockFrames", options.blockFrames},
+        {"blockFrames", options.engine.blockFrames},
         {"delaySamples",
          {{"total", delay.total()},
           {"queue", delay.queue},
