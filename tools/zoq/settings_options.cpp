@@ -60,7 +60,9 @@ std::string unknown_message(const std::string& key, const std::vector<std::strin
     const auto nearest = std::min_element(keys.begin(), keys.end(), [&](const auto& a, const auto& b) {
         return distance(key, a) < distance(key, b);
     });
-    return "unknown setting " + quoted(key) + ", did you mean " + quoted(*nearest) + "?";
+    // More than every other letter wrong is no misspelling.
+    const bool near = distance(key, *nearest) <= key.size();
+    return "unknown setting " + quoted(key) + (near ? ", did you mean " + quoted(*nearest) + "?" : "");
 }
 
 std::vector<std::string> split(const std::string& pairs) {

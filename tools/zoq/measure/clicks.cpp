@@ -120,7 +120,7 @@ Clicks measure_clicks(const MeasureOptions& options) {
     clicks.steadyTrebleDb = std::max(largest_level(levels, kOnFrame - kSteady, kSteady),
                                      largest_level(levels, kOffFrame - kSteady, kSteady));
     clicks.leftOver = largest_value(recording, done.again);
-    for (size_t i = kSteady / kLevelFrames; i < kSilentFrame / kLevelFrames; ++i) {
+    for (size_t i = kSteady / kLevelFrames; i < (kSilentFrame - kSteady / 10) / kLevelFrames; ++i) {
         clicks.seconds.push_back((static_cast<double>(i) + 0.5) * kLevelFrames / kEngineRate);
         clicks.trebleDb.push_back(levels[i]);
     }

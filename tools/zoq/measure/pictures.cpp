@@ -15,6 +15,12 @@ constexpr size_t kShownLead = 144;       // samples of the impulse response ahea
 constexpr size_t kSpeakerTail = 720;     // and behind it
 constexpr size_t kHeadphoneTail = 2160;  // the room's responses have 2048
 
+// From where on a gain is drawn, in samples behind the step: a period, which its level needs, and behind a step
+// down what still rings of the louder sound.
+constexpr double kPeriod = 48.0;
+constexpr double kWideningRings = 480.0;
+constexpr double kRoomRings = 2200.0;
+
 std::string with_hz(const char* name, double hz) {
     char text[64];
     std::snprintf(text, sizeof text, "%s %.4g Hz", name, hz);
@@ -85,11 +91,11 @@ void draw(PlotScript& script, const StaticCurve& statics) {
         << "' title 'output = input'\n";
 }
 
-// Points at equal distances on the logarithmic axis, from 1 ms on: the tone's level is known from a whole period.
-std::string add_gain(PlotScript& script, const StepResponse& step) {
+// Points at equal distances on the logarithmic axis.
+std::string add_gain(PlotScript& script, const StepResponse& step, double firstFrame) {
     std::vector<double> ms;
     std::vector<double> gain;
-    for (double at = 48.0; at < static_cast<double>(step.gainDb.size()); at *= 1.02) {
+    for (double at = firstFrame; at < static_cast<double>(step.gainDb.size()); at *= 1.02) {
         const auto i = static_cast<size_t>(at);
         ms.push_back(step.seconds[i] * 1000.0);
         gain.push_back(step.gainDb[i]);
@@ -103,9 +109,10 @@ std::string step_title(const StepResponse& step) {
     return text;
 }
 
-void draw(PlotScript& script, const Dynamics& dynamics) {
-    const std::string attack = add_gain(script, dynamics.attack);
-    const std::string release = add_gain(script, dynamics.release);
+void draw(PlotScript& script, const Dynamics& dynamics, Route route) {
+    const std::string attack = add_gain(script, dynamics.attack, kPeriod);
+    const std::string release =
+        add_gain(script, dynamics.release, route == Route::kHeadphone ? kRoomRings : kWideningRings);
     const std::vector<double> ends = {dynamics.attack.startGainDb, dynamics.attack.endGainDb,
                                       dynamics.release.startGainDb, dynamics.release.endGainDb};
     script.panel(with_hz("gain behind a step of the input, tone", dynamics.toneHz),
@@ -152,7 +159,7 @@ void draw_measurements(const MeasureOptions& options, const Measurements& result
         draw(script, *results.staticCurve);
     }
     if (results.dynamics) {
-        draw(script, *results.dynamics);
+        draw(script, *results.dynamics, options.engine.route);
     }
     if (results.crosstalk) {
         draw(script, *results.crosstalk);
