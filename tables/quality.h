@@ -39,6 +39,10 @@ std::array<double, 7> far_ear_db(Bins sameSide, Bins crossFeed, const Head& head
 struct RoomTables {
     Bins sameSide, oppositeSide;
 };
+// Where the spectrum of partition p and response r begins in a table.
+inline size_t first_bin(int p, int r) {
+    return (size_t(p) * android::kX2bResponses + size_t(r)) * android::kBins;
+}
 inline constexpr int kRoomTaps = android::kX2bPartitions * android::kHopSamples;
 
 enum Side { kSameSide, kOppositeSide };

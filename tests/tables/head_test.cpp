@@ -15,8 +15,8 @@ using namespace zoq::tables;
 
 namespace {
 
-// A rigid ball without pinnae, after Brown and Duda 1998: Woodworth's delay, and a shelf that lifts the treble by
-// 6 dB on the near side and takes it away on the far side.
+// A rigid ball without pinnae, after Brown and Duda 1998: Woodworth's delay, and a shelf that lifts the treble
+// by 6 dB on the near side and takes it away on the far side.
 Head ball(double rateHz, double lowestElevation = -45.0) {
     constexpr double kDegree = std::numbers::pi / 180.0, kRadius = 0.0875, kSpeedOfSound = 343.0;
     constexpr double kCorner = kSpeedOfSound / kRadius;  // radians per second

@@ -1,18 +1,16 @@
 #include "tools/zoq/measure_command.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <cstdio>
 #include <map>
 #include <memory>
 
-#include "tools/zoq/descriptor.h"
 #include "tools/zoq/failure.h"
 #include "tools/zoq/gnuplot.h"
 #include "tools/zoq/measure/measurements.h"
 #include "tools/zoq/measure/pictures.h"
 #include "tools/zoq/measure/reports.h"
-#include "tools/zoq/output_file.h"
+#include "tools/zoq/text_file.h"
 
 namespace zoq {
 
@@ -124,20 +122,6 @@ void check(const Command& command) {
     }
 }
 
-void print(const std::string& text) {
-    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
-        throw system_failure("cannot write", "the report", errno);
-    }
-}
-
-void write_file(const std::string& path, const std::string& text) {
-    OutputFile file(path);
-    if (const int error = write_fully(file.fd(), text.data(), text.size())) {
-        throw system_failure("cannot write", file.name(), error);
-    }
-    file.commit();
-}
-
 void run(Command& command) {
     MeasureOptions& options = command.options;
     check(command);
@@ -154,11 +138,11 @@ void run(Command& command) {
         draw_measurements(options, results, command.picture);
     }
     if (!command.csv.empty() && command.csv != "-") {
-        write_file(command.csv, csv_report(results));
+        write_text(command.csv, csv_report(results));
     }
-    print(command.csv == "-" ? csv_report(results)
-          : command.json     ? json_report(options, results)
-                             : text_report(options, results));
+    write_text("-", command.csv == "-" ? csv_report(results)
+                    : command.json     ? json_report(options, results)
+                                       : text_report(options, results));
 }
 
 }  // namespace

@@ -5,21 +5,26 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/zoq/engine_session.h"
+#include "tools/zoq/level_match.h"
 #include "tools/zoq/loudness.h"
 #include "tools/zoq/settings_options.h"
+#include "tools/zoq/timeline.h"
 
 namespace zoq {
 
 struct RenderOptions {
-    std::string input;      // a file, or "-"
-    std::string output;     // a file ending in .wav or .flac, or "-"
-    EngineSettings engine;  // resolved
-    bool bypass = false;    // processing off
-    bool asPlayed = false;  // pass-through, fade-in and delay stay in
-    bool measure = false;   // loudness and level
-    std::string curves;     // a file for pictures; empty for none
+    std::string input;                // a file, or "-"
+    std::string output;               // a file ending in .wav or .flac, or "-"
+    EngineSettings engine;            // resolved
+    bool bypass = false;              // processing off
+    bool asPlayed = false;            // pass-through, fade-in and delay stay in
+    bool measure = false;             // loudness and level
+    std::vector<TimedText> timeline;  // settings that change while the input plays
+    std::string levelMatch;           // a file for the input at the output's loudness; empty for none
+    std::string curves;               // a file for pictures; empty for none
     bool showProgress = true;
 };
 
@@ -35,6 +40,7 @@ struct RenderResult {
     double playedSeconds = 0.0;  // of sound that the engine was given, silence around the input included
     std::optional<Loudness> before;
     std::optional<Loudness> after;
+    std::optional<LevelMatch> levelMatch;
 };
 
 // Takes one line, without an end of line, for the user.

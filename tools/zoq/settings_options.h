@@ -37,6 +37,9 @@ void resolve(EngineSettings& settings, const UnknownSetting& unknown);
 // Everything but the processing switch, after resolve(), in any number of sessions.
 void apply(const EngineSettings& settings, EngineSession& session);
 
+// Whether all of a text is a finite number.
+bool is_number(const std::string& text);
+
 const char* route_name(Route route);
 
 }  // namespace zoq

@@ -1,7 +1,8 @@
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
 #include <nlohmann/json.hpp>
 
+#include "tools/zoq/formatted.h"
 #include "tools/zoq/measure/facts.h"
 #include "tools/zoq/measure/reports.h"
 
@@ -12,9 +13,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 std::string plain(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.9g", value);
-    return std::isfinite(value) ? text : "";
+    return std::isfinite(value) ? formatted("%.9g", value) : "";
 }
 
 // Nine digits, as in the table.

@@ -1,7 +1,6 @@
 #include "tools/zoq/measure/measurements.h"
 
-#include <cstdio>
-
+#include "tools/zoq/formatted.h"
 #include "tools/zoq/measure/clicks.h"
 #include "tools/zoq/measure/distortion.h"
 #include "tools/zoq/measure/dynamics.h"
@@ -67,10 +66,8 @@ const char* excitation_name(Excitation excitation) {
 }
 
 std::string describe(const MeasureOptions& options) {
-    char level[32];
-    std::snprintf(level, sizeof level, "%g dBFS", options.levelDb);
     std::string text = std::string(route_name(options.engine.route)) + ", " +
-                       excitation_name(options.excitation) + ", " + level;
+                       excitation_name(options.excitation) + formatted(", %g dBFS", options.levelDb);
     if (options.engine.volume) {
         text += ", volume " + std::to_string(*options.engine.volume);
     }

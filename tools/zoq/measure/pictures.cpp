@@ -1,8 +1,8 @@
 #include "tools/zoq/measure/pictures.h"
 
 #include <algorithm>
-#include <cstdio>
 
+#include "tools/zoq/formatted.h"
 #include "tools/zoq/gnuplot.h"
 #include "tools/zoq/measure/plot_script.h"
 #include "tools/zoq/measure/sweep.h"
@@ -22,9 +22,7 @@ constexpr double kWideningRings = 480.0;
 constexpr double kRoomRings = 2200.0;
 
 std::string with_hz(const char* name, double hz) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%s %.4g Hz", name, hz);
-    return text;
+    return formatted("%s %.4g Hz", name, hz);
 }
 
 std::string both_sides(const std::string& left, const std::string& right) {
@@ -104,9 +102,7 @@ std::string add_gain(PlotScript& script, const StepResponse& step, double firstF
 }
 
 std::string step_title(const StepResponse& step) {
-    char text[64];
-    std::snprintf(text, sizeof text, "input %g to %g dBFS", step.fromDb, step.toDb);
-    return text;
+    return formatted("input %g to %g dBFS", step.fromDb, step.toDb);
 }
 
 void draw(PlotScript& script, const Dynamics& dynamics, Route route) {

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
+#include "tools/zoq/formatted.h"
 #include "tools/zoq/measure/reports.h"
 
 namespace zoq {
@@ -11,31 +11,26 @@ namespace {
 constexpr size_t kStepsPerOctave = 24;
 constexpr size_t kFirstRow = 15;  // 31.25 Hz; every octave from there has a row
 
-template <typename... Values>
-std::string line(const char* format, Values... values) {
-    char text[512];
-    std::snprintf(text, sizeof text, format, values...);
-    return std::string(text) + "\n";
+// A dash where there is nothing to measure.
+std::string cell(double value, int width = 10, int decimals = 2) {
+    return std::isfinite(value) ? formatted("%*.*f", width, decimals, value) : formatted("%*s", width, "-");
 }
 
-// Ten characters wide; a dash where there is nothing to measure.
-std::string cell(double value, const char* format = "%10.2f") {
-    char text[32];
-    std::snprintf(text, sizeof text, format, value);
-    return std::isfinite(value) ? text : "         -";
+std::string hz_cell(double hz) {
+    return formatted("%10.5g", hz);
 }
 
 std::string heading(const char* title) {
-    return line("\n%s", title);
+    return std::string("\n") + title + "\n";
 }
 
 std::string paragraph(const Response& response) {
     std::string text = heading("Response: gain (dB) and phase (degrees, latency taken off)");
-    text += line("        Hz  left dB  left deg  right dB right deg");
+    text += formatted("        Hz  left dB  left deg  right dB right deg\n");
     for (size_t i = kFirstRow; i < response.hz.size(); i += kStepsPerOctave) {
-        text += cell(response.hz[i], "%10.5g") + cell(response.gainDb[0][i], "%9.2f");
-        text += cell(response.phaseDegrees[0][i], "%10.1f") + cell(response.gainDb[1][i]);
-        text += cell(response.phaseDegrees[1][i], "%10.1f") + "\n";
+        text += hz_cell(response.hz[i]) + cell(response.gainDb[0][i], 9);
+        text += cell(response.phaseDegrees[0][i], 10, 1) + cell(response.gainDb[1][i]);
+        text += cell(response.phaseDegrees[1][i], 10, 1) + "\n";
     }
     return text;
 }
@@ -59,9 +54,9 @@ std::string paragraph(const Impulse& impulse) {
     std::string text = heading("Impulse response");
     for (size_t side = 0; side < 2; ++side) {
         const auto [low, high] = std::minmax_element(impulse.value[side].begin(), impulse.value[side].end());
-        text += line("%-16s %.4f to %.4f, 99 %% of its energy until %d samples after the sound",
-                     side == 0 ? "left" : "right", *low, *high,
-                     impulse.start + end_of(impulse.value[side], 0.99));
+        text +=
+            formatted("%-16s %.4f to %.4f, 99 %% of its energy by sample %d\n", side == 0 ? "left" : "right",
+                      *low, *high, impulse.start + end_of(impulse.value[side], 0.99));
     }
     return text;
 }
@@ -69,27 +64,25 @@ std::string paragraph(const Impulse& impulse) {
 std::string paragraph(const LatencyFigures& latency) {
     const Latency& expected = latency.expected;
     std::string text = heading("Latency (samples)");
-    text += line("%-16s %d = queue %d + hop %d + widening %d", "expected", expected.total(), expected.queue,
-                 expected.chain, expected.widening);
+    text += formatted("%-16s %d = queue %d + hop %d + widening %d\n", "expected", expected.total(),
+                      expected.queue, expected.chain, expected.widening);
     for (size_t side = 0; side < 2; ++side) {
         const char* name = side == 0 ? "left" : "right";
         const std::optional<Arrival>& arrival = latency.arrival[side];
-        text += arrival ? line("%-16s peak at %d (%+d), onset at %d (%+d)", name, arrival->peak,
-                               arrival->peak - expected.total(), arrival->onset,
-                               arrival->onset - expected.total())
-                        : line("%-16s silence", name);
+        text += arrival ? formatted("%-16s peak at %d (%+d), onset at %d (%+d)\n", name, arrival->peak,
+                                    arrival->peak - expected.total(), arrival->onset,
+                                    arrival->onset - expected.total())
+                        : formatted("%-16s silence\n", name);
     }
     return text;
 }
 
 std::string percent(double level) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.3g %%", 100.0 * std::pow(10.0, level / 20.0));
-    return std::isfinite(level) ? text : "-";
+    return std::isfinite(level) ? formatted("%.3g %%", 100.0 * std::pow(10.0, level / 20.0)) : "-";
 }
 
 std::string paragraph(const char* name, const Distortion& distortion) {
-    std::string text = line("%-16s %.2f Hz", name, distortion.toneHz);
+    std::string text = formatted("%-16s %.2f Hz\n", name, distortion.toneHz);
     text += "  fundamental   " + cell(distortion.outputDb) + " dBFS\n";
     for (size_t i = 0; i < distortion.harmonicsDb.size(); ++i) {
         const double level = distortion.harmonicsDb[i];
@@ -103,35 +96,35 @@ std::string paragraph(const char* name, const Distortion& distortion) {
 
 std::string paragraph(const StaticCurve& curve) {
     std::string text = heading("Static curve (dBFS), fundamental of the left output");
-    text += line("tone             %.2f Hz", curve.toneHz);
-    text += line("     input    output      gain     ratio");
+    text += formatted("tone             %.2f Hz\n", curve.toneHz);
+    text += formatted("     input    output      gain     ratio\n");
     for (size_t i = 1; i < curve.inputDb.size(); ++i) {
         const double gain = curve.outputDb[i] - curve.inputDb[i];
         const double ratio =
             (curve.inputDb[i] - curve.inputDb[i - 1]) / (curve.outputDb[i] - curve.outputDb[i - 1]);
-        text += cell(curve.inputDb[i], "%10.0f") + cell(curve.outputDb[i]) + cell(gain) + cell(ratio) + "\n";
+        text += cell(curve.inputDb[i], 10, 0) + cell(curve.outputDb[i]) + cell(gain) + cell(ratio) + "\n";
     }
     return text;
 }
 
 std::string step_line(const char* name, const StepResponse& step) {
     const double change = step.endGainDb - step.startGainDb;
-    return step.seconds90
-               ? line("%-16s %.1f ms to nine tenths of %+.2f dB (input %g to %g dBFS)", name,
-                      1000.0 * *step.seconds90, change, step.fromDb, step.toDb)
-               : line("%-16s none: the gain is the same (input %g to %g dBFS)", name, step.fromDb, step.toDb);
+    return step.seconds90 ? formatted("%-16s %.1f ms to nine tenths of %+.2f dB (input %g to %g dBFS)\n",
+                                      name, 1000.0 * *step.seconds90, change, step.fromDb, step.toDb)
+                          : formatted("%-16s none: the gain is the same (input %g to %g dBFS)\n", name,
+                                      step.fromDb, step.toDb);
 }
 
 std::string paragraph(const Dynamics& dynamics) {
     return heading("Attack and release of the left output's gain") +
-           line("tone             %.2f Hz", dynamics.toneHz) + step_line("attack", dynamics.attack) +
+           formatted("tone             %.2f Hz\n", dynamics.toneHz) + step_line("attack", dynamics.attack) +
            step_line("release", dynamics.release);
 }
 
 std::string paragraph(const Crosstalk& crosstalk) {
     std::string text = heading("Crosstalk: right output against left output (dB), left input alone");
     for (size_t i = kFirstRow; i < crosstalk.hz.size(); i += kStepsPerOctave) {
-        text += cell(crosstalk.hz[i], "%10.5g") + cell(crosstalk.ratioDb[i]) + "\n";
+        text += hz_cell(crosstalk.hz[i]) + cell(crosstalk.ratioDb[i]) + "\n";
     }
     return text;
 }
@@ -142,12 +135,13 @@ std::string click_line(const std::string& name, double stepDb, double trebleDb) 
 
 std::string paragraph(const Clicks& clicks) {
     return heading("Clicks of switching, while a sine plays") +
-           line("tone             %.0f Hz", clicks.toneHz) +
-           line("                 largest step   above 8 kHz") +
+           formatted("tone             %.0f Hz\n", clicks.toneHz) +
+           formatted("                 largest step   above 8 kHz\n") +
            click_line("switching on", clicks.on.stepDb, clicks.on.trebleDb) +
            click_line("switching off", clicks.off.stepDb, clicks.off.trebleDb) +
            click_line("steady", 0.0, clicks.steadyTrebleDb) +
-           line("left over        %d of 32768 at most, when switched on again in silence", clicks.leftOver);
+           formatted("left over        %d of 32768 at most, when switched on again in silence\n",
+                     clicks.leftOver);
 }
 
 }  // namespace
