@@ -5,6 +5,7 @@
 
 #include "tools/zoq/config_command.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/gnuplot.h"
 #include "tools/zoq/plot.h"
 #include "tools/zoq/text_file.h"
 #include "tools/zoq/tuning/config_check.h"

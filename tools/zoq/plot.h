@@ -17,9 +17,6 @@ struct Plot {
     std::vector<PlotCurve> curves;
 };
 
-// Whether a path's ending names a kind of picture that can be drawn: .svg or .png.
-bool is_picture_path(const std::string& path);
-
 // Writes the picture to path, complete or not at all. Throws Failure.
 void draw(const Plot& plot, const std::string& path);
 
