@@ -30,7 +30,11 @@ std::vector<double> x_of(const Json& curve) {
     return curve["x"]["values"].get<std::vector<double>>();
 }
 std::vector<double> values_of(const Json& curve) {
-    return curve["values"].get<std::vector<double>>();
+    std::vector<double> values;
+    for (const Json& value : curve["values"]) {
+        values.push_back(value.is_null() ? -std::numeric_limits<double>::infinity() : value.get<double>());
+    }
+    return values;
 }
 
 double at(const Json& curve, double x) {
@@ -110,7 +114,7 @@ TEST_F(MeasureTest, LatencyIsBlocksHopAndWidening) {
     } cases[] = {{"--set DS_stereoWidth=0", 512},
                  {"--set DS_stereoWidth=1", 692},
                  {"--set DS_stereoWidth=0 --block 480", 480 + 512},
-                 {"--set DS_stereoWidth=1 --block 2000", 464 + 692},
+                 {"--set DS_stereoWidth=1 --block 2304", 256 + 692},
                  {"--set HP_SurroundWidth=0 --route headphone", 512}};
     for (const auto& [options, expected] : cases) {
         const Json latency = measured(std::string("--what latency ") + options)["latency"];
@@ -182,16 +186,18 @@ TEST_F(MeasureTest, DynamicsAreThoseOfTheCompressor) {
     EXPECT_TRUE(none["release to 90 %"]["value"].is_null());
 }
 
-// The output drops what is behind the last of 16 bits, toward zero: half a bit of the sign, a square wave.
+// Halved, every other value has half a bit too much, which is dropped toward zero: on average a quarter of a bit of the
+// sign, a square wave.
 TEST_F(MeasureTest, HarmonicsAreThoseOfTruncationAndOfTheVirtualBass) {
     const Json plain = measured(kPlain + std::string("--what distortion"))["distortion"]["left"];
-    const auto square = [](int order) { return db(2.0 / (std::numbers::pi * order) / 32768.0); };
+    const auto square = [](int order) { return db(1.0 / (std::numbers::pi * order) / 32768.0); };
     EXPECT_NEAR(plain["tone output"]["value"], -20.0 + db(0.5), 0.01);
-    EXPECT_NEAR(at(plain["tone harmonics"], 3), square(3), 1.0);
-    EXPECT_NEAR(at(plain["tone harmonics"], 5), square(5), 1.0);
-    EXPECT_NEAR(at(plain["bass harmonics"], 3), square(3), 1.0);
-    // Beside them the noise of rounding: a twelfth for the output, half the amplitude of another for the input.
-    const double noise = std::sqrt((1.0 + 0.25) / 12.0 * 20.0 / 24.0) / (0.05 * 32768.0 / std::sqrt(2.0));
+    EXPECT_NEAR(at(plain["tone harmonics"], 3), square(3), 0.3);
+    EXPECT_NEAR(at(plain["tone harmonics"], 5), square(5), 0.3);
+    EXPECT_NEAR(at(plain["bass harmonics"], 3), square(3), 0.3);
+    // Beside them noise: whether half a bit is dropped, and half of what the input is off by rounding.
+    const double power = (0.25 * 0.25 + 0.25 / 12.0) * 20.0 / 24.0;
+    const double noise = std::sqrt(power) / (0.05 * 32768.0 / std::sqrt(2.0));
     EXPECT_NEAR(plain["tone THD+N"]["value"],
                 db(std::hypot(noise, std::pow(10.0, double(plain["tone THD"]["value"]) / 20.0))), 1.0);
 
@@ -205,8 +211,11 @@ TEST_F(MeasureTest, HarmonicsAreThoseOfTruncationAndOfTheVirtualBass) {
 
 TEST_F(MeasureTest, SwitchingIsSmoothAndItsRemainsAreSeen) {
     const Json clicks = measured(kPlain + std::string("--what clicks"))["clicks"];
-    EXPECT_NEAR(clicks["on step"]["value"], 0.0, 0.2);
-    EXPECT_NEAR(clicks["off step"]["value"], 0.0, 0.2);
+    // The ramp leads from the louder sine to the quieter one.
+    for (const char* step : {"on step", "off step"}) {
+        EXPECT_LE(clicks[step]["value"], 0.01) << step;
+        EXPECT_GE(clicks[step]["value"], -0.5) << step;
+    }
     EXPECT_LT(clicks["steady treble"]["value"], -95.0);
     EXPECT_LT(clicks["on treble"]["value"], -70.0);
     // Switched on again, the engine plays the hop before it was switched off: half of 3277 under a ramp that rises to
@@ -219,7 +228,7 @@ TEST_F(MeasureTest, SettingsComeFromTextsAndOptionsAlike) {
     std::ofstream("tuning.txt")
         << "compressionGain 70\nvolume_index_switch = 3\nVB_boostlin 0\nDS_stereoWidth 80\n";
     const auto gain = [](const std::string& options) {
-        return at(measured("--what response --config tuning.txt --level -40 " +
+        return at(measured("--what response --config tuning.txt --level -30 " +
                            options)["response"]["left"]["gain"],
                   1000.0);
     };

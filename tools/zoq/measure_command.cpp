@@ -39,7 +39,7 @@ constexpr char kFooter[] =
     "entry\n"
     "points, and looks at what comes out once processing is faded in.\n"
     "\n"
-    "  response    gain and phase, by an exponential sweep of 5.5 s from 10 Hz to 24 kHz at --level; "
+    "  response    gain and phase, by an exponential sweep of 5.5 s from 2 Hz to 24 kHz at --level; "
     "harmonics\n"
     "              are left out; a compressor at work shows with the gain it has at each frequency\n"
     "  impulse     the same sweep's impulse response\n"

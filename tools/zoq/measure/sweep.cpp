@@ -14,14 +14,14 @@ namespace {
 constexpr size_t kSweepFrames = size_t{1} << 18;  // 5.5 s
 constexpr size_t kTailFrames = size_t{1} << 15;   // of silence, for what rings on
 constexpr size_t kLength = size_t{1} << 19;       // of the transforms: nothing wraps around onto anything
-constexpr double kFirstHz = 10.0;
-constexpr double kTrustedHz = 14.0;
+constexpr double kFirstHz = 2.0;
+constexpr double kTrustedHz = 3.0;
 constexpr double kLastHz = kEngineRate / 2.0;
 constexpr size_t kFadeIn = 240;  // sample frames of the impulse response's window
 constexpr size_t kFadeOut = 4800;
 
 // The second harmonic's response ends where the window of the first begins only if it is that much earlier.
-static_assert(kSweepFrames * 693 / 7783 > kImpulseLead + 20000);  // ln 2 / ln (24000 / 10)
+static_assert(kSweepFrames * 693 / 9393 > kImpulseLead + 18000);  // ln 2 / ln (24000 / 2)
 
 Signal make_sweep(double levelDb) {
     const double scale = static_cast<double>(kSweepFrames) / std::log(kLastHz / kFirstHz);
@@ -34,8 +34,9 @@ Signal make_sweep(double levelDb) {
     return sweep;
 }
 
-// What the sweep says nothing about, below its lowest frequencies, is taken to be as it is at their edge, with the
-// expected latency: a gap there would spread over all of the impulse response.
+// What the sweep says nothing about, below its lowest frequencies, goes on from their edge, with the expected latency
+// and otherwise the real part level and the imaginary part straight to 0, as filters without poles down there have it:
+// a gap would spread over all of the impulse response.
 void fill_below_sweep(Spectrum& response, int latency) {
     const double binHz = kEngineRate / static_cast<double>(kLength);
     const auto delay = [=](size_t bin) {
@@ -43,12 +44,14 @@ void fill_below_sweep(Spectrum& response, int latency) {
                           -2.0 * M_PI * static_cast<double>(bin) * latency / static_cast<double>(kLength));
     };
     const auto edge = static_cast<size_t>(kTrustedHz / binHz);
-    const double gain = std::real(response[edge] / delay(edge));
+    const std::complex<double> gain = response[edge] / delay(edge);
     for (size_t k = 0; k < edge; ++k) {
         const double hz = static_cast<double>(k) * binHz;
         const double position = std::clamp((hz - kFirstHz) / (kTrustedHz - kFirstHz), 0.0, 1.0);
         const double trust = 0.5 - 0.5 * std::cos(M_PI * position);
-        response[k] = trust * response[k] + (1.0 - trust) * gain * delay(k);
+        const double fraction = static_cast<double>(k) / static_cast<double>(edge);
+        const std::complex<double> continued(gain.real(), gain.imag() * fraction);
+        response[k] = trust * response[k] + (1.0 - trust) * continued * delay(k);
     }
 }
 
