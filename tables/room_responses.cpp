@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "tables/room_parts.h"
 
@@ -91,17 +92,13 @@ Signal placed(const Signal& direct, const Signal& late, int arrivalTap, int room
     return x;
 }
 
-double partition_sum(const Signal& x) {
-    double sum = 0.0;
-    for (size_t n = 0; n < kHopSamples; ++n) {
-        sum += x[n];
-    }
-    return sum;
-}
-
 // A high-pass below hearing makes the first partition sum to bin 0.
 Signal with_bin0(const Signal& x, double bin0) {
-    const auto excess = [&](double hz) { return partition_sum(filtered(highpass(hz), x)) - bin0; };
+    const Signal partition(x.begin(), x.begin() + kHopSamples);
+    const auto excess = [&](double hz) {
+        const Signal taps = filtered(highpass(hz), partition);
+        return std::accumulate(taps.begin(), taps.end(), -bin0);
+    };
     const auto corner = find_root(excess, kLowestCornerHz, kHighestCornerHz);
     if (!corner) {
         throw HeadError(

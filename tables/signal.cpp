@@ -94,11 +94,11 @@ Section shelf(double hz, double topDb) {
 
 Signal filtered(const Section& section, const Signal& x) {
     double z1 = 0.0, z2 = 0.0;
-    Signal y;
-    for (const double value : x) {
-        y.push_back(section.b[0] * value + z1);
-        z1 = section.b[1] * value - section.a[1] * y.back() + z2;
-        z2 = section.b[2] * value - section.a[2] * y.back();
+    Signal y(x.size());
+    for (size_t n = 0; n < x.size(); ++n) {
+        y[n] = section.b[0] * x[n] + z1;
+        z1 = section.b[1] * x[n] - section.a[1] * y[n] + z2;
+        z2 = section.b[2] * x[n] - section.a[2] * y[n];
     }
     return y;
 }
