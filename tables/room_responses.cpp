@@ -202,9 +202,10 @@ RoomResponses make_room_responses(const Head& head) {
     return rooms;
 }
 
-GeneratedFile room_responses_file(const RoomResponses& rooms, const std::vector<std::string>& source) {
-    std::vector<std::string> comment = {
-        "The room responses. Made by zoq-make-tables (tables/room_responses.cpp)."};
+GeneratedFile room_responses_file(const RoomResponses& rooms, const std::string& maker,
+                                  const std::vector<std::string>& source) {
+    std::vector<std::string> comment = {"The room responses. Made by " + maker +
+                                        " (tables/room_responses.cpp)."};
     comment.insert(comment.end(), source.begin(), source.end());
     const std::vector<std::string> formula = {
         "Formula: direct sound of the head, diffuse-field equalised and of minimum phase, at its arrival "

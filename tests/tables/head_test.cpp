@@ -8,7 +8,7 @@
 #include <numbers>
 #include <sstream>
 
-#include "tables/head.h"
+#include "tables/head_file.h"
 #include "tables/room_responses.h"
 
 using namespace zoq::tables;

@@ -10,6 +10,7 @@
 #include "tools/zoq/failure.h"
 #include "tools/zoq/interruption.h"
 #include "tools/zoq/render_command.h"
+#include "tools/zoq/tables_command.h"
 
 namespace {
 
@@ -57,6 +58,7 @@ int main(int argc, char** argv) {
         app.set_version_flag("--version", "zoq " ZOQ_VERSION);
         app.require_subcommand(1);
         zoq::add_render_command(app);
+        zoq::add_tables_command(app);
         return run(app, argc, argv);
     } catch (const zoq::UsageFailure& failure) {
         return fail(failure.what(), zoq::kExitUsage);

@@ -1,0 +1,85 @@
+#include "tools/zoq/gnuplot.h"
+
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <cerrno>
+#include <filesystem>
+
+#include "tools/zoq/failure.h"
+#include "tools/zoq/interruption.h"
+#include "tools/zoq/output_file.h"
+
+namespace zoq {
+
+namespace {
+
+// Starts gnuplot without the user's own start-up files.
+pid_t start(int script, int picture, int messages) {
+    char name[] = "gnuplot", defaults[] = "-d", input[] = "-";
+    char* const arguments[] = {name, defaults, input, nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, script, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, picture, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, messages, STDERR_FILENO);
+    pid_t child = 0;
+    const int error = posix_spawnp(&child, name, &actions, nullptr, arguments, environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error == ENOENT) {
+        throw Failure("cannot draw: gnuplot is not installed (Debian's package gnuplot-nox)");
+    }
+    if (error != 0) {
+        throw system_failure("cannot start", "gnuplot", error);
+    }
+    return child;
+}
+
+int wait_for(pid_t child) {
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+        if (interrupted()) {
+            kill(child, SIGTERM);
+        }
+    }
+    throw_if_interrupted();
+    return status;
+}
+
+std::string first_line(int file) {
+    char text[200];
+    const ssize_t length = pread(file, text, sizeof text, 0);
+    const std::string all(text, length > 0 ? static_cast<size_t>(length) : 0);
+    const size_t start = all.find_first_not_of(" \n");
+    return start == std::string::npos ? "" : all.substr(start, all.find('\n', start) - start);
+}
+
+}  // namespace
+
+bool is_picture(const std::string& path) {
+    const std::string ending = std::filesystem::path(path).extension();
+    return ending == ".svg" || ending == ".png";
+}
+
+std::string terminal(const std::string& path, int width, int height) {
+    const bool vector = std::filesystem::path(path).extension() == ".svg";
+    return "set terminal " + std::string(vector ? "svg" : "pngcairo") + " size " + std::to_string(width) +
+           "," + std::to_string(height) + " font 'sans,13' background 'white'\n";
+}
+
+void draw(const std::string& script, const std::string& path) {
+    OutputFile picture(path);
+    const Descriptor input = memory_file(), messages = memory_file();
+    if (const int error = write_fully(input.get(), script.data(), script.size())) {
+        throw system_failure("cannot keep", "a script in memory", error);
+    }
+    lseek(input.get(), 0, SEEK_SET);
+    const int status = wait_for(start(input.get(), picture.fd(), messages.get()));
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+        throw Failure("cannot draw " + picture.name() + ": gnuplot failed: " + first_line(messages.get()));
+    }
+    picture.commit();
+}
+
+}  // namespace zoq

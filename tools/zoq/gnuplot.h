@@ -1,0 +1,17 @@
+// Pictures by the program gnuplot.
+#pragma once
+
+#include <string>
+
+namespace zoq {
+
+// Whether a picture of this name can be drawn: .svg or .png.
+bool is_picture(const std::string& path);
+
+// The line that selects the format by the name's ending.
+std::string terminal(const std::string& path, int width, int height);
+
+// Runs a script and writes what it draws into a file, which appears complete or not at all.
+void draw(const std::string& script, const std::string& path);
+
+}  // namespace zoq
