@@ -1,6 +1,5 @@
 #include "tools/zoq/gnuplot_text.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -8,7 +7,7 @@ namespace zoq::gnuplot {
 
 namespace {
 
-constexpr double kLowestDb = -160.0;
+constexpr double kSilence = 1e-14;  // float rounding of full scale
 
 constexpr const char* kColours[] = {"#1f5fa8", "#c8501e", "#2e8b57", "#7a4fa3", "#404040"};
 
@@ -20,7 +19,7 @@ const char kFrequencyAxis[] =
     "set xlabel 'frequency (Hz)'\n";
 
 double power_db(double power) {
-    return std::max(10.0 * std::log10(power), kLowestDb);
+    return power > kSilence ? 10.0 * std::log10(power) : std::nan("");
 }
 
 std::string block(const std::string& name, const Rows& rows) {

@@ -8,7 +8,7 @@ namespace zoq::gnuplot {
 
 using Rows = std::vector<std::vector<double>>;
 
-// A level for a picture: no minus infinity.
+// A level for a picture, in which silence leaves a gap.
 double power_db(double power);
 
 // A named data block.

@@ -34,7 +34,7 @@ std::vector<std::string> response_lines(const std::string& source, double width)
 }
 
 Panel room_start(const tables::RoomTables& rooms, int side) {
-    constexpr size_t kShown = kSampleRateHz / 400;  // 2.5 ms
+    constexpr size_t kShown = kSampleRateHz / 1000 * 3 / 2;  // 1.5 ms
     Rows rows(kShown);
     for (size_t n = 0; n < kShown; ++n) {
         rows[n].push_back(double(n) * 1000.0 / kSampleRateHz);
@@ -44,8 +44,8 @@ Panel room_start(const tables::RoomTables& rooms, int side) {
     }
     const std::string name = side == tables::kSameSide ? "start_same" : "start_opposite";
     return {block(name, rows), std::string("set title 'room responses: ") + side_name(side) +
-                                   ", first 2.5 ms'\n" +
-                                   "set xrange [0:2.5]\nset xlabel 'time (ms)'\nset ylabel 'amplitude'\n"
+                                   ", first 1.5 ms'\n" +
+                                   "set xrange [0:1.5]\nset xlabel 'time (ms)'\nset ylabel 'amplitude'\n"
                                    "set xzeroaxis lt 1 lc rgb '#909090'\n" +
                                    joined(response_lines("$" + name, 1.8))};
 }
@@ -78,9 +78,9 @@ Panel room_decay(const tables::RoomTables& rooms, int side) {
     }
     return {block("level_" + name, levels) + block("left_" + name, left),
             std::string("set title 'room responses: ") + side_name(side) +
-                "; power per sample, and (dashed) energy still to come'\n"
+                ", decay; dashed: energy still to come'\n"
                 "set xrange [0:42.7]\nset yrange [-110:5]\nset ytics 20\nset xlabel 'time (ms)'\n"
-                "set ylabel 'level (dB)'\n" +
+                "set ylabel 'power per sample (dB)'\n" +
                 joined(lines)};
 }
 

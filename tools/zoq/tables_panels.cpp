@@ -48,8 +48,8 @@ Panel widening_magnitudes(const android::parameterTWS& tws) {
                 block("cross_points", checkpoints(tables::kCrossFeedCheckpoints)),
             std::string(gnuplot::kFrequencyAxis) +
                 "set title 'widening filters: magnitude'\n"
-                "set xrange [40:24000]\nset yrange [-50:15]\nset ytics 10\nset ylabel 'gain (dB)'\n"
-                "set key bottom left\n" +
+                "set xrange [40:24000]\nset yrange [-60:15]\nset ytics 10\nset ylabel 'gain (dB)'\n"
+                "set key bottom center\n" +
                 joined({line("$magnitudes", "1:2", "same side", 0, 2.5),
                         line("$magnitudes", "1:3", "cross-feed", 1, 2.5),
                         line("$magnitudes", "1:4", "what L + R gets", 2, 1.2),
@@ -61,21 +61,14 @@ Panel widening_impulses(const android::parameterTWS& tws) {
     const Signal same = tables::impulse_response(tws.sameSideFilter),
                  cross = tables::impulse_response(tws.crossFeedFilter);
     Rows rows;
-    for (size_t n = 0; n < same.size() / 2; ++n) {
+    for (size_t n = 0; n < same.size(); ++n) {
         rows.push_back({double(n), same[n], cross[n]});
     }
     return {
         block("impulses", rows),
-        "set title 'widening filters: impulse response, nothing outside the dashed lines'\n"
-        "set xrange [0:511]\nset xtics 64\nset xlabel 'time (samples at 48 kHz)'\nset ylabel 'amplitude'\n"
-        "set xzeroaxis lt 1 lc rgb '#909090'\n"
-        "set arrow from " +
-            std::to_string(tables::kFilterFirstTap) + ", graph 0 to " +
-            std::to_string(tables::kFilterFirstTap) +
-            ", graph 1 nohead dt 2 lc rgb '#909090'\n"
-            "set arrow from " +
-            std::to_string(tables::kFilterLastTap) + ", graph 0 to " +
-            std::to_string(tables::kFilterLastTap) + ", graph 1 nohead dt 2 lc rgb '#909090'\n" +
+        "set title 'widening filters: impulse response around its peaks'\n"
+        "set xrange [140:240]\nset xtics 10\nset xlabel 'time (samples at 48 kHz)'\nset ylabel 'amplitude'\n"
+        "set xzeroaxis lt 1 lc rgb '#909090'\n" +
             joined({line("$impulses", "1:2", "same side", 0), line("$impulses", "1:3", "cross-feed", 1)})};
 }
 
@@ -115,7 +108,7 @@ Panel bass_panel(const std::array<parameterVB, tables::kBassCutoffsHz.size()>& r
     constexpr int kSteps = 200;
     Rows rows;
     for (int i = 0; i <= kSteps; ++i) {
-        const double hz = 20.0 * std::pow(100.0, double(i) / kSteps);  // to 2 kHz
+        const double hz = 20.0 * std::pow(250.0, double(i) / kSteps);  // to 5 kHz
         std::vector<double> row = {hz};
         for (const parameterVB& vb : records) {
             row.push_back(power_db(tables::cascade_power(vb.lowpassSos, 2, hz)));
@@ -123,16 +116,16 @@ Panel bass_panel(const std::array<parameterVB, tables::kBassCutoffsHz.size()>& r
         }
         rows.push_back(row);
     }
-    const std::string in_use = std::to_string(2 * 2 + 2), high_in_use = std::to_string(2 * 2 + 3);
+    const std::string inUse = std::to_string(2 * 2 + 2), highInUse = std::to_string(2 * 2 + 3);
     return {block("bass", rows),
             std::string(gnuplot::kFrequencyAxis) +
                 "set title 'virtual bass: low-pass and output high-pass of the ten cutoffs, 80 Hz thick'\n"
-                "set xrange [20:2000]\nset yrange [-60:5]\nset ytics 10\nset ylabel 'gain (dB)'\nset key "
-                "bottom right\n"
+                "set xrange [20:5000]\nset yrange [-60:5]\nset ytics 10\nset ylabel 'gain (dB)'\nset key at "
+                "graph 0.98, 0.8\n"
                 "plot for [s=0:9] $bass using 1:2*s+2 with lines lw 0.8 lc rgb '#8fb0d8' notitle, \\\n"
                 "     for [s=0:9] $bass using 1:2*s+3 with lines lw 0.8 lc rgb '#e3a78c' notitle, \\\n     " +
-                line("$bass", "1:" + in_use, "low-pass, 80 Hz", 0, 2.5) + ", \\\n     " +
-                line("$bass", "1:" + high_in_use, "output high-pass, 80 Hz", 1, 2.5) + "\n"};
+                line("$bass", "1:" + inUse, "low-pass, 80 Hz", 0, 2.5) + ", \\\n     " +
+                line("$bass", "1:" + highInUse, "output high-pass, 80 Hz", 1, 2.5) + "\n"};
 }
 
 }  // namespace zoq

@@ -42,8 +42,8 @@ struct Picture {
 
 std::vector<Picture> pictures(const tables::Records& records) {
     return {{"widening", widening_panels(records.tws), 1},
-            {"pan-curves", {curve_panel(records.den)}, 1},
             {"rooms", room_panels(records.rooms()), 2},
+            {"pan-curves", {curve_panel(records.den)}, 1},
             {"virtual-bass", {bass_panel(records.vb)}, 1}};
 }
 
