@@ -82,7 +82,9 @@ void compress(float* hop, float channels, const parameterDRC& drc) {
 }
 
 void equalize(float* hop, float channels, const parameterGEQ& geq) {
-    graphicalEQ(hop, channels, geq.bandCount, geq.bandGainDb, geq.bandQ, geq.bandWarp);
+    // The module takes more bands than a record holds.
+    graphicalEQ(hop, channels, std::min(geq.bandCount, float(kGeqBands)), geq.bandGainDb, geq.bandQ,
+                geq.bandWarp);
 }
 
 void headphone_route(int channels, const parameterX2B& x2b, const parameterGEQ& geq, float* frameOut) {

@@ -51,6 +51,21 @@ constexpr Numerators kGivenNumerators[] = {
     {220, {0.96307129, -1.9264299, 0.96335864}, {1, -1.9997017, 0.99970174}},
 };
 
+constexpr const char* kComment =
+    R"(The section sets of the virtual bass. Made by zoq-make-tables (tables/bass_sections.cpp).
+Formula: Butterworth filters by the bilinear transform with prewarping at 48000 Hz.
+    With K = tan(pi f / 48000) and n = 1 + K/Q + K^2 a section is a0 = 1, a1 = 2 (K^2 - 1) / n,
+    a2 = (1 - K/Q + K^2) / n.
+    Order 2: Q = 1/sqrt 2; numerator K^2/n {1, 2, 1} for a low-pass, 1/n {1, -2, 1} for a high-pass.
+    Order 4: Q = 1/(2 cos(pi/8)) and 1/(2 cos(3 pi/8)); section 0 carries the gain of both, K^4/(n0 n1)
+    {1, 2, 1} or 1/(n0 n1) {1, -2, 1}, and section 1 has the bare {1, 2, 1} or {1, -2, 1}.
+    Order 4 at the cutoff; order 2 for the band high-pass (30, 50, 70 or 80 Hz) and the harmonics (420 Hz).
+Source: the formula in double precision, rounded once to float. Given values instead of the formula's:
+    80 Hz, b1 of the low-pass's section 1 and of both sections of the input high-pass, each one unit in the
+    last place off; 100, 120, 200 and 220 Hz, the numerators of the input high-pass, whose zeros lie just
+    inside z = 1 (no factory setting runs that stage).
+Worst error: half a unit in the last place (6e-8 of the value) against the formula, given values apart.)";
+
 // Denominator by the bilinear transform; the numerator is bare, the gain that belongs to it is returned.
 double design(Kind kind, double hz, double Q, Section& section) {
     const double K = std::tan(std::numbers::pi * hz / android::kSampleRateHz);
@@ -98,42 +113,23 @@ void add_stage(SourceText& text, const Sections& sections, const std::string& en
     for (size_t j = 0; j < 6; ++j) {
         std::string row = j == 0 ? "     {" : "      ";
         for (size_t s = 0; s < sections.size(); ++s) {
-            row += shortest(float(sections[s][j])) + (s + 1 < sections.size() ? ", " : "");
+            row += shortest(float(sections[s][j]));
+            row += s + 1 < sections.size() ? ", " : "";
         }
-        text.line(row + (j + 1 < 6 ? "," : "}" + end));
+        row += j + 1 < 6 ? "," : "}" + end;
+        text.line(row);
     }
 }
 
 }  // namespace
 
 GeneratedFile bass_sections_file() {
-    SourceText text(
-        "modules/vb/vb_tables.h",
-        {"The section sets of the virtual bass. Made by zoq-make-tables (tables/bass_sections.cpp).",
-         "Formula: Butterworth filters by the bilinear transform with prewarping at 48000 Hz.",
-         "    With K = tan(pi f / 48000) and n = 1 + K/Q + K^2 a section is a0 = 1, a1 = 2 (K^2 - 1) / n,",
-         "    a2 = (1 - K/Q + K^2) / n.",
-         "    Order 2: Q = 1/sqrt 2; numerator K^2/n {1, 2, 1} for a low-pass, 1/n {1, -2, 1} for a "
-         "high-pass.",
-         "    Order 4: Q = 1/(2 cos(pi/8)) and 1/(2 cos(3 pi/8)); section 0 carries the gain of both, "
-         "K^4/(n0 n1)",
-         "    {1, 2, 1} or 1/(n0 n1) {1, -2, 1}, and section 1 has the bare {1, 2, 1} or {1, -2, 1}.",
-         "    Order 4 at the cutoff; order 2 for the band high-pass (30, 50, 70 or 80 Hz) and the harmonics "
-         "(420 Hz).",
-         "Source: the formula in double precision, rounded once to float. Given values instead of the "
-         "formula's:",
-         "    80 Hz, b1 of the low-pass's section 1 and of both sections of the input high-pass, each one "
-         "unit in the",
-         "    last place off; 100, 120, 200 and 220 Hz, the numerators of the input high-pass, whose zeros "
-         "lie just",
-         "    inside z = 1 (no factory setting runs that stage).",
-         "Worst error: half a unit in the last place (6e-8 of the value) against the formula, but for the "
-         "given values."});
+    SourceText text("modules/vb/vb_tables.h", kComment);
     text.line(
         "// Per cutoff: low-pass, input high-pass, band high-pass, output high-pass. In each, one "
-        "coefficient\n"
-        "// (b0 b1 b2 a0 a1 a2) per line, sections 0..2 across.\n"
-        "const VbSections kVbSections[kVbSets] = {");
+        "coefficient");
+    text.line("// (b0 b1 b2 a0 a1 a2) per line, sections 0..2 across.");
+    text.line("const VbSections kVbSections[kVbSets] = {");
     for (const Corner& corner : kCorners) {
         const Set set = make_set(corner);
         text.line("    {" + std::to_string(set.cutoffHz) + ",");

@@ -46,9 +46,13 @@ double clamped(const parameterDEN& den, int column, double u) {
     return std::isnan(value) ? value : std::clamp(value, 0.0, 1.0);
 }
 
-// The larger one; not-a-number wins.
+// Not-a-number wins against every number.
 void raise(double& most, double value) {
-    most = most >= value ? most : value;
+    most = std::isnan(most) || most >= value ? most : value;
+}
+
+void lower(double& least, double value) {
+    least = std::isnan(least) || least <= value ? least : value;
 }
 
 Property listed_column(const parameterDEN& den, size_t i) {
@@ -90,7 +94,7 @@ TableReport check_curves(const parameterDEN& den) {
         for (int i = 0; i <= kSteps; ++i) {
             const double u = double(i) / kSteps, value = clamped(den, column, u);
             const double step = value - clamped(den, column - 1, u);
-            lowest = lowest <= raw(den, column, u) ? lowest : raw(den, column, u);
+            lower(lowest, raw(den, column, u));
             raise(highest, raw(den, column, u));
             raise(reached, value);
             raise(dip, reached - value);
@@ -101,7 +105,9 @@ TableReport check_curves(const parameterDEN& den) {
                 raise(bend, std::fabs(raw(den, column, u) - 2.0 * raw(den, column - 1, u) +
                                       raw(den, column - 2, u)));
             }
-            edge = u < kEdge || edge <= value ? edge : value;
+            if (u >= kEdge) {
+                lower(edge, value);
+            }
         }
     }
     TableReport report{"pan curves of dialogue enhancement", {}};

@@ -74,9 +74,10 @@ bool same(const Token& a, const Token& b, const Tolerance& tolerance, double lar
 
 }  // namespace
 
-SourceText::SourceText(const std::string& include, const std::vector<std::string>& comment) {
-    for (const std::string& words : comment) {
-        line(words.empty() ? "//" : "// " + words);
+SourceText::SourceText(const std::string& include, const std::string& comment) {
+    std::istringstream lines(comment);
+    for (std::string words; std::getline(lines, words);) {
+        line("// " + words);
     }
     line("#include \"" + include + "\"\n\nnamespace android {\n\n// clang-format off");
 }

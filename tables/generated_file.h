@@ -25,8 +25,8 @@ struct GeneratedFile {
 // Builds the text: a comment that names maker, source, formula and error; then arrays of numbers.
 class SourceText {
   public:
-    // include: the header that declares the tables; comment: lines without their slashes.
-    SourceText(const std::string& include, const std::vector<std::string>& comment);
+    // include: the header that declares the tables; comment: lines without slashes.
+    SourceText(const std::string& include, const std::string& comment);
 
     void line(const std::string& text);
     // Numbers in the shortest form that reads back to the same float, as many to the line as fit.

@@ -74,7 +74,7 @@ double angle(const Direction& a, const Direction& b) {
     return std::acos(std::clamp(dot(unit(a), unit(b)), -1.0, 1.0)) / kDegree;
 }
 
-// Of two equally near the first counts: without the margin, rounding would choose, differently on each machine.
+// Of two equally near the first counts: without the margin, rounding would choose, on each machine anew.
 size_t nearest(const Head& head, const Direction& wanted) {
     constexpr double kMargin = 1e-9;
     const Point towards = unit(wanted);

@@ -67,13 +67,10 @@ Options read_options(const std::vector<std::string>& words) {
     return options;
 }
 
-const std::vector<std::string> kHeadSource = {
-    "Source: the head MIT_KEMAR_normal_pinna.sofa of Debian's libmysofa1: responses of a KEMAR dummy head "
-    "measured",
-    "by Bill Gardner and Keith Martin, MIT Media Lab, 1994. Copyright 1994 by the MIT Media Laboratory; free "
-    "with no",
-    "restrictions on use, provided the authors are cited.",
-};
+constexpr const char* kHeadSource =
+    R"(Source: the head MIT_KEMAR_normal_pinna.sofa of Debian's libmysofa1: responses of a KEMAR dummy head,
+measured by Bill Gardner and Keith Martin, MIT Media Lab, 1994. Copyright 1994 by the MIT Media
+Laboratory; free with no restrictions on use, provided the authors are cited.)";
 
 std::vector<GeneratedFile> make_all() {
     using namespace zoq::tables;

@@ -52,6 +52,10 @@ double cascade_power(const float* sos, int sections, double hz);
 struct RoomTables {
     Bins sameSide, oppositeSide;
 };
+// Where the spectrum of partition p and response r begins in a table.
+inline size_t first_bin(int p, int r) {
+    return (size_t(p) * android::kX2bResponses + size_t(r)) * android::kBins;
+}
 inline constexpr int kRoomTaps = android::kX2bPartitions * android::kHopSamples;
 
 enum Side { kSameSide, kOppositeSide };

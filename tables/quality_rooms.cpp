@@ -12,11 +12,11 @@ using android::kBins;
 using android::kHopSamples;
 using android::kSampleRateHz;
 using android::kX2bPartitions;
-using android::kX2bResponses;
 
 constexpr size_t kLength = 4096;  // of the spectra that are measured: 11.7 Hz per bin
 constexpr double kArrivalShare = 0.1;
-constexpr double kDelayFromHz = 100.0, kDelayToHz = 1500.0, kLongestDelay = 60.0;
+constexpr double kDelayFromHz = 100.0, kDelayToHz = 1500.0;
+constexpr int kLongestDelay = 60, kDelaySteps = 10;  // samples, and parts of one
 constexpr double kTailFromSeconds = 0.010, kTailToSeconds = 0.036;
 constexpr double kLowestThirdHz = 125.0;
 constexpr size_t kDirectTaps = kSampleRateHz / 400;  // 2.5 ms
@@ -27,8 +27,7 @@ double hz(size_t bin) {
 }
 
 Bins stored(const RoomTables& rooms, int side, int p, int r) {
-    return (side == kSameSide ? rooms.sameSide : rooms.oppositeSide)
-        .subspan(size_t((p * kX2bResponses + r) * kBins), kBins);
+    return (side == kSameSide ? rooms.sameSide : rooms.oppositeSide).subspan(first_bin(p, r), kBins);
 }
 
 // The 512 taps that a partition stands for.
@@ -104,12 +103,12 @@ double tail_t60(const std::array<Signal, 2>& tail) {
 }
 
 double coherence(const std::array<Signal, 2>& ears) {
-    constexpr int kReach = kSampleRateHz / 1000;
-    const int size = int(ears[0].size());
+    constexpr std::ptrdiff_t kReach = kSampleRateHz / 1000;
+    const auto size = std::ptrdiff_t(ears[0].size());
     double highest = 0.0;
-    for (int lag = -kReach; lag <= kReach; ++lag) {
+    for (std::ptrdiff_t lag = -kReach; lag <= kReach; ++lag) {
         double sum = 0.0;
-        for (int i = std::max(0, -lag); i < std::min(size, size - lag); ++i) {
+        for (auto i = std::max<std::ptrdiff_t>(0, -lag); i < std::min(size, size - lag); ++i) {
             sum += ears[0][size_t(i)] * ears[1][size_t(i + lag)];
         }
         highest = std::max(highest, std::fabs(sum));
@@ -120,7 +119,8 @@ double coherence(const std::array<Signal, 2>& ears) {
 Interaural interaural_at(const Spectrum& near, const Spectrum& far, double hzPerBin) {
     Interaural found{};
     double highest = -1e300;
-    for (double delay = 0.0; delay <= kLongestDelay; delay += 0.1) {
+    for (int step = 0; step <= kLongestDelay * kDelaySteps; ++step) {
+        const double delay = double(step) / kDelaySteps;
         double correlation = 0.0;
         for (size_t k = size_t(kDelayFromHz / hzPerBin); double(k) * hzPerBin < kDelayToHz; ++k) {
             const double turn = 2.0 * std::numbers::pi * double(k) * hzPerBin * delay / kSampleRateHz;

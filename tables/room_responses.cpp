@@ -148,9 +148,10 @@ EarSignals make_response(const HeadModel& head, int r) {
 
 void store(const Signal& x, int r, std::vector<creal32_T>& table) {
     for (int p = 0; p < kX2bPartitions; ++p) {
-        const Signal taps(x.begin() + p * kHopSamples, x.begin() + (p + 1) * kHopSamples);
+        const auto from = x.begin() + std::ptrdiff_t{p} * kHopSamples;
+        const Signal taps(from, from + kHopSamples);
         const Spectrum bins = transform(taps, kFrameSamples);
-        creal32_T* row = &table[size_t((p * kX2bResponses + r) * kBins)];
+        creal32_T* row = &table[first_bin(p, r)];
         for (size_t k = 0; k < kBins; ++k) {
             row[k] = {float(bins[k].real()), float(bins[k].imag())};
         }
@@ -158,71 +159,18 @@ void store(const Signal& x, int r, std::vector<creal32_T>& table) {
     }
 }
 
-void add_table(SourceText& text, const std::string& name, const std::vector<creal32_T>& table) {
-    text.line("const creal32_T " + name + "[kX2bPartitions][kX2bResponses][kBins] = {");
-    for (int p = 0; p < kX2bPartitions; ++p) {
-        text.line("    {");
-        for (int r = 0; r < kX2bResponses; ++r) {
-            text.line("    {  // partition " + std::to_string(p) + ", response " + std::to_string(r + 1));
-            text.values(Bins(table).subspan(size_t((p * kX2bResponses + r) * kBins), kBins));
-            text.line("    },");
-        }
-        text.line("    },");
-    }
-    text.line("};");
-}
-
-std::string worst_error(const RoomTables& rooms) {
-    double bin0 = 0.0, ratio = 0.0;
-    for (int r = 0; r < kX2bResponses; ++r) {
-        const ResponsePlan& plan = kResponsePlans[size_t(r)];
-        const ResponseQuality quality = measure_response(rooms, r);
-        for (size_t ear = 0; ear < 2; ++ear) {
-            bin0 = std::max(bin0, std::fabs(quality.bin0[ear] / plan.bin0[ear] - 1.0));
-        }
-        if (plan.energyRatio > 0.0) {
-            ratio = std::max(ratio, std::fabs(quality.energyRatio / plan.energyRatio - 1.0));
-        }
-    }
-    return "Worst error: " + rounded(bin0) + " of bin 0, " + rounded(ratio) +
-           " of the energy ratios; the arrival taps are exact.";
-}
-
 }  // namespace
 
 RoomResponses make_room_responses(const Head& head) {
     const HeadModel model(head);
-    constexpr size_t kSize = size_t(kX2bPartitions * kX2bResponses * kBins);
-    RoomResponses rooms{std::vector<creal32_T>(kSize), std::vector<creal32_T>(kSize)};
+    const size_t size = first_bin(kX2bPartitions, 0);
+    RoomResponses rooms{std::vector<creal32_T>(size), std::vector<creal32_T>(size)};
     for (int r = 0; r < kX2bResponses; ++r) {
         const EarSignals ears = make_response(model, r);
         store(ears[kSameSide], r, rooms.sameSide);
         store(ears[kOppositeSide], r, rooms.oppositeSide);
     }
     return rooms;
-}
-
-GeneratedFile room_responses_file(const RoomResponses& rooms, const std::string& maker,
-                                  const std::vector<std::string>& source) {
-    std::vector<std::string> comment = {"The room responses. Made by " + maker +
-                                        " (tables/room_responses.cpp)."};
-    comment.insert(comment.end(), source.begin(), source.end());
-    const std::vector<std::string> formula = {
-        "Formula: direct sound of the head, diffuse-field equalised and of minimum phase, at its arrival "
-        "tap; mirror",
-        "images of a 5.2 x 4.0 x 2.6 m room, each through the head; a diffuse tail; a high-pass that sets "
-        "bin 0.",
-        "Azimuths 0, 30, 60 and 130 degrees; rows are half spectra of the 512-tap partitions.",
-        worst_error(rooms.tables())};
-    comment.insert(comment.end(), formula.begin(), formula.end());
-
-    SourceText text("modules/x2b/x2b_tables.h", comment);
-    add_table(text, "kIpsiResponse", rooms.sameSide);
-    text.line("");
-    add_table(text, "kContraResponse", rooms.oppositeSide);
-    // Sums whose order is the compiler's leave 1e-12 of the peak; a value near the middle between two floats
-    // can then round either way: half a unit in the last place of the largest value.
-    return {"modules/x2b/x2b_tables.cpp", text.finish(), {.ulps = 1, .ofPeak = 0x1p-24}};
 }
 
 }  // namespace zoq::tables

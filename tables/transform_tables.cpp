@@ -54,10 +54,10 @@ GeneratedFile transform_tables_file() {
 
     SourceText text(
         "dsp/fft_tables.h",
-        {"Twiddle factors and the analysis window. Made by zoq-make-tables (tables/transform_tables.cpp).",
-         "Formula: sine and cosine in double precision, rounded to float; exactly 0 at quarter and half "
-         "turns.",
-         "Worst error: " + rounded(worst) + ", the rounding to float."});
+        R"(Twiddle factors and the analysis window. Made by zoq-make-tables (tables/transform_tables.cpp).
+Formula: sine and cosine in double precision, rounded to float; exactly 0 at quarter and half turns.
+Worst error: )" +
+            rounded(worst) + ", the rounding to float.");
     for (size_t i = 0; i < std::size(kTables); ++i) {
         text.line((i == 0 ? "" : "\n") + std::string("const float ") + kTables[i].declaration + " = {");
         text.values(tables[i]);

@@ -17,7 +17,7 @@ namespace {
 
 using Complex = std::complex<double>;
 
-constexpr int kTaps = kFilterLastTap - kFilterFirstTap + 1;
+constexpr Eigen::Index kTaps = kFilterLastTap - kFilterFirstTap + 1;
 constexpr int kLateSamples = kCrossFeedPeak - kSameSidePeak;
 
 // Level of the far ear against the near one. Between the checkpoints' ratios: a full canceller would raise a
@@ -45,6 +45,7 @@ double log_bin(double bin) {
 // Smooth over the logarithm of frequency, in decibels.
 Signal level_curve(const std::vector<BinLevel>& nodes) {
     std::vector<MonotoneCurve::Point> points;
+    points.reserve(nodes.size());
     for (const BinLevel& node : nodes) {
         points.push_back({std::log2(node.bin + 1.0), std::log(node.magnitude)});
     }
@@ -83,17 +84,18 @@ Targets canceller() {
     return targets;
 }
 
-Complex basis(int bin, int column) {
-    return std::polar(
-        1.0, -2.0 * std::numbers::pi * (bin * (kFilterFirstTap + column) % kFrameSamples) / kFrameSamples);
+Complex basis(Eigen::Index bin, Eigen::Index column) {
+    return std::polar(1.0, -2.0 * std::numbers::pi *
+                               double(bin * (kFilterFirstTap + column) % kFrameSamples) / kFrameSamples);
 }
 
 // Least squares over all bins, real and imaginary parts in separate rows, the bass weighing more.
 void set_up_fit(const Target& target, Eigen::MatrixXd& rows, Eigen::VectorXd& values) {
-    rows.resize(2 * kBins, kTaps);
-    values.resize(2 * kBins);
-    for (int k = 0; k < kBins; ++k) {
-        const double weight = 1.0 / std::sqrt(1.0 + k / 20.0);
+    constexpr Eigen::Index kRows = 2 * Eigen::Index{kBins};
+    rows.resize(kRows, kTaps);
+    values.resize(kRows);
+    for (Eigen::Index k = 0; k < kBins; ++k) {
+        const double weight = 1.0 / std::sqrt(1.0 + double(k) / 20.0);
         for (int n = 0; n < kTaps; ++n) {
             const Complex e = weight * basis(k, n);
             rows(k, n) = e.real();
@@ -183,19 +185,18 @@ GeneratedFile widening_filters_file() {
     const double worst = std::max(worst_checkpoint(filters.sameSide, kSameSideCheckpoints),
                                   worst_checkpoint(filters.crossFeed, kCrossFeedCheckpoints));
     SourceText text("modules/tws/tws_tables.h",
-                    {"The widening filters. Made by zoq-make-tables (tables/widening_filters.cpp).",
-                     "Formula: a recursive crosstalk canceller, E/(1 - c^2) and -c E/(1 - c^2) with c = g(f) "
-                     "and 6 samples late,",
-                     "fitted by least squares to impulse responses that are 0 outside samples 7..466.",
-                     "Worst error: " + rounded(worst) + " of the magnitudes that characterise the pair."});
+                    R"(The widening filters. Made by zoq-make-tables (tables/widening_filters.cpp).
+Formula: a recursive crosstalk canceller, E/(1 - c^2) and -c E/(1 - c^2) with c = g(f) and 6 samples late,
+fitted by least squares to impulse responses that are 0 outside samples 7..466.
+Worst error: )" + rounded(worst) +
+                        " of the magnitudes that characterise the pair.");
     text.line("const creal32_T kSameSideFilter[kBins] = {");
     text.values(filters.sameSide);
     text.line("};\n\nconst creal32_T kCrossFeedFilter[kBins] = {");
     text.values(filters.crossFeed);
     text.line("};");
-    // The fit's rounding depends on the order of its sums, and so on compiler and processor, at 1e-14 of the
-    // peak; a value near the middle between two floats can then round either way: half a unit of the largest
-    // value.
+    // Small values lose digits to the rounding of sums whose order is the compiler's: 1e-14 of the peak.
+    // Allowed is half a unit in the last place of the largest value.
     return {"modules/tws/tws_tables.cpp", text.finish(), {.ulps = 1, .ofPeak = 0x1p-24}};
 }
 

@@ -10,7 +10,7 @@
 //     80 Hz, b1 of the low-pass's section 1 and of both sections of the input high-pass, each one unit in the
 //     last place off; 100, 120, 200 and 220 Hz, the numerators of the input high-pass, whose zeros lie just
 //     inside z = 1 (no factory setting runs that stage).
-// Worst error: half a unit in the last place (6e-8 of the value) against the formula, but for the given values.
+// Worst error: half a unit in the last place (6e-8 of the value) against the formula, given values apart.
 #include "modules/vb/vb_tables.h"
 
 namespace android {

@@ -76,7 +76,7 @@ inline const std::vector<ValueText>& value_texts() {
         {"1e-44", 1e-44},
         {"inf", HUGE_VAL},
         {"-Infinity", -HUGE_VAL},
-        {"nan", NAN},
+        {"nan", std::nan("")},
         {"1e400", HUGE_VAL},
         {"00070.0000", 70.0},
         // Just above the middle of two floats; read as a double it lies in the middle and goes to the even one.

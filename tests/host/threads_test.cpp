@@ -1,6 +1,7 @@
 // Playback while two threads set, ask and turn the volume; worth most under the thread sanitizer.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <string>
 #include <thread>
@@ -11,14 +12,16 @@ using namespace android;
 
 namespace {
 
-constexpr int kBlocks = 600;
+// Bounded by work done, so that a busy machine neither stretches the test nor empties it.
+constexpr int kLeastBlocks = 100, kMostBlocks = 100000, kLeastHeadphoneBlocks = 40;
+constexpr int kLeastStrings = 200;
 
 std::atomic<bool> stop;
-std::atomic<int> device;
+std::atomic<int> device, strings[2];
 
 // Sets two bands of its own to one value over and over, with the settings both storms share and the current
 // device, and checks the answers: its own band as just set, a shared setting as either storm may have set it.
-void storm(const std::string& band, int& wrongAnswers) {
+void storm(const std::string& band, std::atomic<int>& count, int& wrongAnswers) {
     for (unsigned n = 0; !stop.load(); ++n) {
         const std::string value = n % 2 == 0 ? "3" : "-4";
         engine::set((band + "=" + value + ";Headphone_" + band + "=" + value + ";VB_boostlin=" + value +
@@ -32,6 +35,7 @@ void storm(const std::string& band, int& wrongAnswers) {
         const std::string own = band + "=" + value + ".000000" + on;
         wrongAnswers += answer == own + "3.000000" || answer == own + "-4.000000" ? 0 : 1;
         ZOQ_update_volume(static_cast<int>(n % 30), AUDIO_STREAM_MUSIC);
+        ++count;
     }
 }
 
@@ -40,12 +44,16 @@ TEST(Threads, SettingsMayChangeWhileBlocksPlay) {
     stop = false;
     device = 2;
     int wrong[2] = {};
-    std::thread first(storm, "EQ_16khzgain", std::ref(wrong[0]));
-    std::thread second(storm, "EQ_62hzgain", std::ref(wrong[1]));
+    std::thread first(storm, "EQ_16khzgain", std::ref(strings[0]), std::ref(wrong[0]));
+    std::thread second(storm, "EQ_62hzgain", std::ref(strings[1]), std::ref(wrong[1]));
     int processed = 0, headphone = 0;
-    for (int b = 0; b < kBlocks; ++b) {
-        device = b < kBlocks / 2 ? 2 : 8;
-        const engine::Pcm block = engine::noise(static_cast<uint32_t>(b % 7), 2048);
+    const auto enough = [&](int blocks) {
+        return blocks >= kLeastBlocks && headphone >= kLeastHeadphoneBlocks && strings[0] >= kLeastStrings &&
+               strings[1] >= kLeastStrings;
+    };
+    for (int b = 0; b < kMostBlocks && !enough(b); ++b) {
+        device = b < kLeastBlocks / 2 ? 2 : 8;
+        const engine::Pcm block = engine::noise(static_cast<uint32_t>(b % 7), 1024);
         processed += engine::played(block) != block ? 1 : 0;
         headphone += b_parameterMEM.headphoneMode;
     }
@@ -55,7 +63,8 @@ TEST(Threads, SettingsMayChangeWhileBlocksPlay) {
     EXPECT_EQ(wrong[0], 0);
     EXPECT_EQ(wrong[1], 0);
     EXPECT_GT(processed, 0);
-    EXPECT_GT(headphone, 0);
+    EXPECT_GE(headphone, kLeastHeadphoneBlocks);
+    EXPECT_GE(std::min(strings[0].load(), strings[1].load()), kLeastStrings);
 }
 
 }  // namespace

@@ -19,7 +19,8 @@ inline zoq::tables::Head ball(double rateHz, double lowestElevation = -45.0) {
             auto& ears = head.responses.emplace_back();
             const double lateral = std::asin(std::sin(azimuth * kDegree) * std::cos(elevation * kDegree));
             for (const zoq::tables::Ear ear : {zoq::tables::kLeftEar, zoq::tables::kRightEar}) {
-                const double away = ear == zoq::tables::kLeftEar ? -lateral : lateral;  // positive: on the far side
+                const double away =
+                    ear == zoq::tables::kLeftEar ? -lateral : lateral;  // positive: on the far side
                 const double delay = (away > 0 ? away : std::sin(away)) * kRadius / kSpeedOfSound;
                 const double top = 1.05 + 0.95 * std::cos((away / kDegree + 90.0) * 180.0 / 150.0 * kDegree);
                 const double b0 = kCorner + top * rateHz, b1 = kCorner - top * rateHz, a0 = kCorner + rateHz,

@@ -42,10 +42,11 @@ Stereo play(Stereo x, Process process) {
 
 // The response of a filter at one frequency, from its impulse response.
 inline std::complex<double> response(std::span<const float> h, double frequencyHz) {
-    const double w = 2.0 * std::numbers::pi * frequencyHz / kRateHz;
-    std::complex<double> sum = 0.0;
-    for (size_t n = 0; n < h.size(); ++n) {
-        sum += double(h[n]) * std::polar(1.0, -w * double(n));
+    const std::complex<double> step = std::polar(1.0, -2.0 * std::numbers::pi * frequencyHz / kRateHz);
+    std::complex<double> sum = 0.0, turn = 1.0;
+    for (float sample : h) {
+        sum += double(sample) * turn;
+        turn *= step;
     }
     return sum;
 }

@@ -82,11 +82,12 @@ std::vector<double> positions(const Content& content) {
 void write(const std::string& path, const Content& content) {
     File file(path);
     write_attributes(file, content);
-    const int I = file.dimension("I", 1), C = file.dimension("C", 3), R = file.dimension("R", content.receivers),
-              E = file.dimension("E", 1), N = file.dimension("N", content.head.responses[0][0].size()),
+    const int I = file.dimension("I", 1), C = file.dimension("C", 3),
+              R = file.dimension("R", content.receivers), E = file.dimension("E", 1),
+              N = file.dimension("N", content.head.responses[0][0].size()),
               M = file.dimension("M", content.head.responses.size());
-    const auto variable = [&](const char* name, const std::vector<int>& dimensions, const std::vector<double>& values,
-                              const char* type, const char* units) {
+    const auto variable = [&](const char* name, const std::vector<int>& dimensions,
+                              const std::vector<double>& values, const char* type, const char* units) {
         if (name == content.without) {
             return;
         }

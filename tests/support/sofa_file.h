@@ -13,8 +13,8 @@ struct Content {
     zoq::tables::Head head;
     std::string convention = "SimpleFreeFieldHRIR";
     std::string dataType = "FIR";
-    size_t receivers = 2;     // the ears' responses repeat
-    std::string without;      // name of a variable to leave out
+    size_t receivers = 2;  // the ears' responses repeat
+    std::string without;   // name of a variable to leave out
     std::string title = "a ball";
 };
 

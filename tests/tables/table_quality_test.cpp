@@ -1,6 +1,6 @@
-// What the committed widening filters and room responses are to achieve. Taps, sums and energies are taken from a
-// transform by its definition; delays, levels and colour from the measuring functions, which the last tests check
-// against signals of known properties.
+// What the committed widening filters and room responses are to achieve. Taps, sums and energies are taken
+// from a transform by its definition; delays, levels and colour from the measuring functions, which the last
+// tests check against signals of known properties.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -121,7 +121,7 @@ TEST(RoomResponses, ArriveSumAndShareTheirEnergyAsPlanned) {
                     EXPECT_LT(partition[p], partition[p - 1]) << r << " " << side << " " << p;
                     continue;
                 }
-                // The onset is the peak itself, so every detector finds it: nothing before, the most at the tap.
+                // The onset is the peak itself, so every detector finds it: nothing lies before.
                 EXPECT_EQ(loudest(x), plans[r].taps[side]) << r;
                 EXPECT_LT(power(x, 0, plans[r].taps[side]), 1e-12 * partition[0]) << r;
                 double sum = 0.0;

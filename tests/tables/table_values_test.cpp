@@ -119,8 +119,7 @@ TEST(BassSections, AreButterworthFiltersAtTheirCutoffs) {
     };
     const double half = std::sqrt(0.5);
     for (const VbSections& set : kVbSections) {
-        // Four cutoffs' input high-passes have zeros a little off z = 1, and float coefficients near z = 1 cost
-        // the low corners their last digits.
+        // Four input high-passes have zeros a little off z = 1, and floats near 1 cost the low corners digits.
         EXPECT_NEAR(gain(set.lowpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
         EXPECT_NEAR(gain(set.outputHighpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
         EXPECT_NEAR(gain(set.inputHighpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;

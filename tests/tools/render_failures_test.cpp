@@ -112,6 +112,13 @@ TEST_F(RenderFailuresTest, ReportThatCannotBePrintedFailsWithTheSoundInPlace) {
     }
 }
 
+TEST_F(RenderFailuresTest, MessagesNeverLandInTheSound) {
+    write("mono.wav", noise(50000, 1));
+    ASSERT_EQ(render("mono.wav new.wav").code, 0);
+    ASSERT_EQ(render("mono.wav closed.wav <&- 2>&-").code, 0);
+    EXPECT_TRUE(contents("closed.wav") == contents("new.wav"));
+}
+
 TEST_F(RenderFailuresTest, InterruptedRenderingLeavesNothing) {
     write("long.wav", silence(48000 * 120));
     for (const auto& [signal, code] :

@@ -1,6 +1,4 @@
 // zoq render: what comes out, compared with what went in.
-#include <nlohmann/json.hpp>
-
 #include "tests/tools/command.h"
 
 using namespace command;
@@ -8,7 +6,6 @@ using namespace command;
 namespace {
 
 using RenderTest = InEmptyFolder;
-using Json = nlohmann::json;
 
 constexpr char kSong[] = "/usr/share/games/bumprace/sound/Flying_me_softly.ogg";
 
@@ -33,6 +30,22 @@ double level_db(const Sound& sound, int channel, double hz) {
         im += sound.at(i, channel) / 32768.0 * tone_at(seconds + 0.25 / hz, hz);
     }
     return 20.0 * std::log10(2.0 * std::hypot(re, im) / static_cast<double>(count));
+}
+
+// What stands behind a key of a JSON report: behind the first one that follows the key of its object.
+std::string value_of(const std::string& report, const std::string& object, const std::string& key) {
+    const std::string quotedKey = "\"" + key + "\": ";
+    const size_t at = report.find(quotedKey, report.find("\"" + object + "\": {"));
+    if (at == std::string::npos) {
+        ADD_FAILURE() << "no " << object << "." << key << " in " << report;
+        return "";
+    }
+    const size_t value = at + quotedKey.size();
+    return report.substr(value, report.find_first_of(",\n", value) - value);
+}
+
+double number_of(const std::string& report, const std::string& object, const std::string& key) {
+    return std::atof(value_of(report, object, key).c_str());
 }
 
 TEST_F(RenderTest, BypassGivesBackTheInputWhateverTheBlockSize) {
@@ -63,7 +76,7 @@ TEST_F(RenderTest, ImpulseComesOutWhereItWentIn) {
                           {"--route headphone", 4, 7},
                           {"--route headphone --block 480", 4, 7}};
     for (const Case& expected : cases) {
-        for (const int position : {0, 511, 10000, 19990}) {
+        for (const int position : {0, 1000, 10000, 19990}) {
             Sound input = silence(20000);
             input.values[2 * static_cast<size_t>(position)] = 16000;
             input.values[2 * static_cast<size_t>(position) + 1] = 16000;
@@ -230,23 +243,22 @@ TEST_F(RenderTest, SettingsVolumeAndRouteReachTheEngine) {
 TEST_F(RenderTest, ReportMeasuresWhatItSays) {
     // By definition a stereo sine of 997 Hz at -20 dB of full scale has -20 LUFS.
     write("in.wav", tone(480000, 997.0, 0.1));
-    const Outcome outcome = render("in.wav out.wav --bypass --json --block 441");
-    const Json report = Json::parse(outcome.out);
+    const std::string report = render("in.wav out.wav --bypass --json --block 441").out;
     for (const char* side : {"before", "after"}) {
-        EXPECT_NEAR(report[side]["integratedLufs"].get<double>(), -20.0, 0.1);
-        EXPECT_NEAR(report[side]["truePeakDbtp"].get<double>(), -20.0, 0.1);
-        EXPECT_EQ(report[side]["fullScaleSamples"], 0);
+        EXPECT_NEAR(number_of(report, side, "integratedLufs"), -20.0, 0.1);
+        EXPECT_NEAR(number_of(report, side, "truePeakDbtp"), -20.0, 0.1);
+        EXPECT_EQ(value_of(report, side, "fullScaleSamples"), "0");
     }
-    EXPECT_EQ(report["durationSeconds"], 10.0);
-    EXPECT_EQ(report["route"], "speaker");
-    EXPECT_GT(report["timesRealTime"], 1.0);
+    EXPECT_EQ(value_of(report, "output", "durationSeconds"), "10.0");
+    EXPECT_EQ(value_of(report, "output", "route"), "\"speaker\"");
+    EXPECT_GT(number_of(report, "output", "timesRealTime"), 1.0);
     // After the short queue the delay is a hop and what was left over then: 8 x 882 mod 1024 values.
-    EXPECT_EQ(report["delaySamples"]["total"], 512 + 8 * 882 % 1024 / 2);
+    EXPECT_EQ(number_of(report, "delaySamples", "total"), 512 + 8 * 882 % 1024 / 2);
 
-    const Json delay = Json::parse(render("in.wav out.wav --json").out)["delaySamples"];
-    EXPECT_EQ(delay["chain"], 512);
-    EXPECT_EQ(delay["widening"], 180);
-    EXPECT_EQ(delay["queue"], 0);
+    const std::string processed = render("in.wav out.wav --json").out;
+    EXPECT_EQ(value_of(processed, "delaySamples", "queue"), "0");
+    EXPECT_EQ(value_of(processed, "delaySamples", "chain"), "512");
+    EXPECT_EQ(value_of(processed, "delaySamples", "widening"), "180");
 
     Sound loud = silence(48000);
     loud.values[1000] = 32767;
@@ -255,7 +267,7 @@ TEST_F(RenderTest, ReportMeasuresWhatItSays) {
     const std::string text = render("loud.wav out.wav --bypass --report").out;
     EXPECT_NE(text.find("full scale out  2 samples"), std::string::npos) << text;
     write("silent.wav", silence(48000));
-    EXPECT_TRUE(Json::parse(render("silent.wav out.wav --json").out)["after"]["integratedLufs"].is_null());
+    EXPECT_EQ(value_of(render("silent.wav out.wav --json").out, "after", "integratedLufs"), "null");
 }
 
 TEST_F(RenderTest, CurvesShowOutlineAndSpectrum) {

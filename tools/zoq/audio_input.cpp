@@ -78,9 +78,6 @@ void AudioInput::start_decoder() {
     if (decoder_ == nullptr) {
         throw Failure("cannot read " + name_ + " as audio: " + without_full_stop(sf_strerror(nullptr)));
     }
-    if (info_.frames <= 0) {
-        throw Failure("cannot read " + name_ + ": it holds no audio");
-    }
     format_ = describe(info_.format);
     const bool oggOrder = (info_.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_OGG;
     try {

@@ -3,9 +3,9 @@
 #include <sndfile.h>
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "tools/zoq/failure.h"
+#include "tools/zoq/formatted.h"
 
 namespace zoq {
 
@@ -125,12 +125,11 @@ std::string Downmix::description() const {
     if (weights_.size() == 2) {
         return "";
     }
-    char scale[16];
-    std::snprintf(scale, sizeof scale, "%.3f", scale_);
-    return std::to_string(weights_.size()) +
-           " channels folded down to stereo (front 1, centre and surround 0.707, low-frequency channel left "
-           "out, all x " +
-           scale + ")";
+    return formatted(
+        "%zu channels folded down to stereo (front 1, centre and surround 0.707, low-frequency channel left "
+        "out, "
+        "all x %.3f)",
+        weights_.size(), scale_);
 }
 
 }  // namespace zoq

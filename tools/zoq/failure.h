@@ -19,6 +19,11 @@ struct UsageFailure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// A command has said everything and ends with an exit code of its own.
+struct ExitCode {
+    int code;
+};
+
 // "cannot read 'song.wav': No such file or directory"
 Failure system_failure(const std::string& what, const std::string& name, int error);
 

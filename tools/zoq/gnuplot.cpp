@@ -57,7 +57,7 @@ std::string first_line(int file) {
 
 }  // namespace
 
-bool is_picture(const std::string& path) {
+bool is_picture_path(const std::string& path) {
     const std::string ending = std::filesystem::path(path).extension();
     return ending == ".svg" || ending == ".png";
 }

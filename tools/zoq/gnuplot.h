@@ -5,13 +5,13 @@
 
 namespace zoq {
 
-// Whether a picture of this name can be drawn: .svg or .png.
-bool is_picture(const std::string& path);
+// Whether a path's ending names a kind of picture that can be drawn: .svg or .png.
+bool is_picture_path(const std::string& path);
 
 // The line that selects the format by the name's ending.
 std::string terminal(const std::string& path, int width, int height);
 
-// Runs a script and writes what it draws into a file, which appears complete or not at all.
+// Runs a script and writes what it draws into a file, which appears complete or not at all. Throws Failure.
 void draw(const std::string& script, const std::string& path);
 
 }  // namespace zoq

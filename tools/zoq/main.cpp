@@ -6,9 +6,11 @@
 #include <new>
 #include <string>
 
+#include "tools/zoq/config_command.h"
 #include "tools/zoq/descriptor.h"
 #include "tools/zoq/failure.h"
 #include "tools/zoq/interruption.h"
+#include "tools/zoq/params_command.h"
 #include "tools/zoq/render_command.h"
 #include "tools/zoq/tables_command.h"
 
@@ -31,6 +33,18 @@ int print(const std::string& text) {
     return zoq::kExitOk;
 }
 
+// The word that stands where a command is due and names none; "" for none.
+std::string unknown_command(const CLI::App& app, int argc, char** argv) {
+    const CLI::App* chosen = &app;
+    for (int i = 1; i < argc && chosen->get_require_subcommand_min() > 0; ++i) {
+        if (chosen->get_subcommands().empty()) {
+            return argv[i][0] != '-' ? argv[i] : "";
+        }
+        chosen = chosen->get_subcommands().front();
+    }
+    return "";
+}
+
 int run(CLI::App& app, int argc, char** argv) {
     try {
         app.parse(argc, argv);
@@ -40,8 +54,9 @@ int run(CLI::App& app, int argc, char** argv) {
     } catch (const CLI::CallForVersion& version) {
         return print(std::string(version.what()) + "\n");
     } catch (const CLI::ParseError& error) {
-        if (app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-') {
-            return fail("unknown command '" + std::string(argv[1]) + "' (zoq --help)", zoq::kExitUsage);
+        const std::string unknown = unknown_command(app, argc, argv);
+        if (!unknown.empty()) {
+            return fail("unknown command '" + unknown + "' (zoq --help)", zoq::kExitUsage);
         }
         return fail(error.what() + std::string(" (zoq --help)"), zoq::kExitUsage);
     }
@@ -58,8 +73,12 @@ int main(int argc, char** argv) {
         app.set_version_flag("--version", "zoq " ZOQ_VERSION);
         app.require_subcommand(1);
         zoq::add_render_command(app);
+        zoq::add_params_command(app);
+        zoq::add_config_command(app);
         zoq::add_tables_command(app);
         return run(app, argc, argv);
+    } catch (const zoq::ExitCode& exit) {
+        return exit.code;
     } catch (const zoq::UsageFailure& failure) {
         return fail(failure.what(), zoq::kExitUsage);
     } catch (const zoq::Interrupted& interrupted) {

@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "tools/zoq/engine_session.h"
+#include "tools/zoq/level_match.h"
 #include "tools/zoq/loudness.h"
+#include "tools/zoq/timeline.h"
 
 namespace zoq {
 
@@ -19,10 +21,12 @@ struct RenderOptions {
     std::optional<int> volume;          // index; the engine's own 15 otherwise
     std::vector<std::string> settings;  // "key=value", as in parameter strings
     int blockFrames = kDefaultBlockFrames;
-    bool bypass = false;    // processing off
-    bool asPlayed = false;  // pass-through, fade-in and delay stay in
-    bool measure = false;   // loudness and level
-    std::string curves;     // a file for pictures; empty for none
+    bool bypass = false;              // processing off
+    bool asPlayed = false;            // pass-through, fade-in and delay stay in
+    bool measure = false;             // loudness and level
+    std::vector<TimedText> timeline;  // settings that change while the input plays
+    std::string levelMatch;           // a file for the input at the output's loudness; empty for none
+    std::string curves;               // a file for pictures; empty for none
     bool showProgress = true;
 };
 
@@ -38,6 +42,7 @@ struct RenderResult {
     double playedSeconds = 0.0;  // of sound that the engine was given, silence around the input included
     std::optional<Loudness> before;
     std::optional<Loudness> after;
+    std::optional<LevelMatch> levelMatch;
 };
 
 // Takes one line, without an end of line, for the user.

@@ -60,6 +60,11 @@ void add_engine_options(CLI::App& app, Command& command) {
                    "sample frames per call, 1 to 18432 (default: 512, a hop: no queue, no short queue)")
         ->check(CLI::Range(1, kMaxBlockFrames))
         ->option_text("FRAMES");
+    app.add_option(
+           "--at", options.timeline,
+           "settings that change at a time of the input, in seconds: KEY=VALUE;... as with --set, and "
+           "volume=INDEX, route=speaker|headphone, processing=on|off; may be repeated")
+        ->option_text("TIME SETTINGS");
     app.add_flag("--bypass", options.bypass, "processing off: the output equals the input");
     app.add_flag("--as-played", options.asPlayed, "what a phone's listener hears, start and delay included");
 }
@@ -68,6 +73,9 @@ void add_report_options(CLI::App& app, Command& command) {
     CLI::Option* text =
         app.add_flag("--report", command.textReport, "print loudness, true peak, delay and speed when done");
     app.add_flag("--json", command.jsonReport, "print the report as JSON")->excludes(text);
+    app.add_option("--level-match", command.options.levelMatch,
+                   "write the input, unprocessed, at the loudness of the output, for a fair comparison")
+        ->option_text("FILE");
     app.add_option("--curves", command.options.curves,
                    "write outlines and spectra, before and after, as a table for gnuplot")
         ->option_text("FILE");

@@ -1,8 +1,9 @@
 #include "tools/zoq/report.h"
 
 #include <cmath>
-#include <cstdio>
 #include <nlohmann/json.hpp>
+
+#include "tools/zoq/formatted.h"
 
 namespace zoq {
 
@@ -22,16 +23,16 @@ const char* route_name(Route route) {
     return route == Route::kHeadphone ? "headphone" : "speaker";
 }
 
-template <typename... Values>
-std::string row(const char* label, const char* format, Values... values) {
-    char text[512];
-    int length = std::snprintf(text, sizeof text, "%-16s", label);
-    length += std::snprintf(text + length, sizeof text - static_cast<size_t>(length), format, values...);
-    return std::string(text) + "\n";
+std::string row(const char* label, const std::string& value) {
+    return formatted("%-16s%s\n", label, value.c_str());
+}
+
+std::string row(const char* label, int64_t value, const char* unit) {
+    return row(label, formatted("%lld%s%s", static_cast<long long>(value), *unit != '\0' ? " " : "", unit));
 }
 
 std::string level_row(const char* label, double level, const char* unit) {
-    return std::isfinite(level) ? row(label, "%.1f %s", level, unit) : row(label, "silence");
+    return row(label, std::isfinite(level) ? formatted("%.1f %s", level, unit) : "silence");
 }
 
 std::string level_rows(const Loudness& before, const Loudness& after) {
@@ -39,8 +40,8 @@ std::string level_rows(const Loudness& before, const Loudness& after) {
            level_row("loudness out", after.integratedLufs, "LUFS") +
            level_row("true peak in", before.truePeakDb, "dBTP") +
            level_row("true peak out", after.truePeakDb, "dBTP") +
-           row("full scale in", "%lld samples", static_cast<long long>(before.fullScale)) +
-           row("full scale out", "%lld samples", static_cast<long long>(after.fullScale));
+           row("full scale in", before.fullScale, "samples") +
+           row("full scale out", after.fullScale, "samples");
 }
 
 // Two decimals are as exact as the measures are.
@@ -58,21 +59,22 @@ Json level_object(const Loudness& loudness) {
 
 std::string text_report(const RenderOptions& options, const RenderResult& result) {
     const Latency& delay = result.latency;
-    std::string text = row("input", "%s", options.input.c_str());
-    text += row("format", "%s", result.inputFormat.c_str());
-    text += row("rate", "%d Hz", result.inputRate);
-    text += row("channels", "%d", result.inputChannels);
-    text += row("output", "%s", options.output.c_str());
-    text += row("duration", "%.2f s", seconds(result.frames));
-    text += row("route", "%s%s", route_name(options.route), options.bypass ? ", bypassed" : "");
-    text += row("block", "%d frames", options.blockFrames);
-    text += row("delay", "%d samples (%.1f ms), %s", delay.total(), 1000.0 * seconds(delay.total()),
-                options.asPlayed ? "left in" : "taken off");
+    const std::string route = route_name(options.route);
+    std::string text = row("input", options.input);
+    text += row("format", result.inputFormat);
+    text += row("rate", result.inputRate, "Hz");
+    text += row("channels", result.inputChannels, "");
+    text += row("output", options.output);
+    text += row("duration", formatted("%.2f s", seconds(result.frames)));
+    text += row("route", route + (options.bypass ? ", bypassed" : ""));
+    text += row("block", options.blockFrames, "frames");
+    text += row("delay", formatted("%d samples (%.1f ms), %s", delay.total(), 1000.0 * seconds(delay.total()),
+                                   options.asPlayed ? "left in" : "taken off"));
     if (result.before && result.after) {
         text += level_rows(*result.before, *result.after);
     }
-    text += row("clipped in", "%lld samples", static_cast<long long>(result.inputClipped));
-    text += row("speed", "%.0f x real time", speed(result));
+    text += row("clipped in", result.inputClipped, "samples");
+    text += row("speed", formatted("%.0f x real time", speed(result)));
     return text;
 }
 

@@ -7,7 +7,7 @@
 #include "tables/room_responses.h"
 #include "tools/zoq/failure.h"
 #include "tools/zoq/interruption.h"
-#include "tools/zoq/output_file.h"
+#include "tools/zoq/text_file.h"
 
 namespace zoq {
 
@@ -38,20 +38,11 @@ std::string shown_name(const std::string& path) {
 
 std::string source_text(const tables::RoomResponses& rooms, const tables::Head& head,
                         const std::string& path) {
-    std::vector<std::string> source = {"Source: the head " + shown_name(path) + "."};
+    std::string source = "Source: the head " + shown_name(path) + ".";
     for (const std::string& credit : head.credits) {
-        source.push_back("    " + credit);
+        source += "\n    " + credit;
     }
     return tables::room_responses_file(rooms, "zoq tables import", source).text;
-}
-
-void write(const std::string& path, const std::string& text) {
-    OutputFile file(path);
-    if (const int error = write_fully(file.fd(), text.data(), text.size())) {
-        throw_if_interrupted();
-        throw system_failure("cannot write", file.name(), error);
-    }
-    file.commit();
 }
 
 }  // namespace
@@ -64,7 +55,7 @@ ImportResult import_rooms(const ImportOptions& options) {
     throw_if_interrupted();
     ImportResult result{path, tables::check_rooms(rooms.tables(), {&head, ""})};
     if (!options.check) {
-        write(path, source_text(rooms, head, options.head));
+        write_text(path, source_text(rooms, head, options.head));
     }
     return result;
 }

@@ -51,13 +51,13 @@ std::vector<Picture> pictures(const tables::Records& records) {
 
 void require_picture_or_folder(const std::string& path) {
     const std::filesystem::path name(path);
-    if (!is_picture(path) && name.has_extension() && !std::filesystem::is_directory(name)) {
+    if (!is_picture_path(path) && name.has_extension() && !std::filesystem::is_directory(name)) {
         throw UsageFailure("--plot " + quoted(path) + ": must be a folder or end in .svg or .png");
     }
 }
 
 void plot_tables(const tables::Records& records, const std::string& path) {
-    if (!is_picture(path)) {
+    if (!is_picture_path(path)) {
         std::error_code error;
         std::filesystem::create_directories(path, error);
         if (error) {

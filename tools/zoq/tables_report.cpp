@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <nlohmann/json.hpp>
+
+#include "tools/zoq/formatted.h"
 
 namespace zoq {
 
@@ -17,16 +18,9 @@ using Json = nlohmann::ordered_json;
 
 constexpr int kFiguresPerLine = 5;
 
-template <typename... Values>
-std::string form(const char* format, Values... values) {
-    char text[256];
-    std::snprintf(text, sizeof text, format, values...);
-    return text;
-}
-
 std::string number(double value, const std::string& unit) {
     const bool level = unit == "dB" && std::isfinite(value);
-    return form(level ? "%.2f" : "%.7g", value);
+    return level ? formatted("%.2f", value) : formatted("%.7g", value);
 }
 
 std::string with_unit(const std::string& text, const std::string& unit) {
@@ -60,8 +54,8 @@ std::string mark(const Figure& figure) {
 std::string figure_rows(const Property& property) {
     std::string text;
     for (const Figure& figure : property.figures) {
-        text += form("       %s %-40s  %-20s ", mark(figure).c_str(), figure.at.c_str(),
-                     with_unit(number(figure.value, property.unit), property.unit).c_str()) +
+        text += formatted("       %s %-40s  %-20s ", mark(figure).c_str(), figure.at.c_str(),
+                          with_unit(number(figure.value, property.unit), property.unit).c_str()) +
                 allowed(figure, property.unit) + "\n";
     }
     return text;
@@ -72,9 +66,9 @@ std::string figure_lines(const Property& property) {
     int column = 0;
     for (const Figure& figure : property.figures) {
         text += column == 0 ? "       " : "";
-        text +=
-            form("%s %-19s", mark(figure).c_str(),
-                 (figure.at + (figure.at.empty() ? "" : ": ") + number(figure.value, property.unit)).c_str());
+        text += formatted(
+            "%s %-19s", mark(figure).c_str(),
+            (figure.at + (figure.at.empty() ? "" : ": ") + number(figure.value, property.unit)).c_str());
         column = (column + 1) % kFiguresPerLine;
         text += column == 0 ? "\n" : "";
     }
@@ -83,10 +77,10 @@ std::string figure_lines(const Property& property) {
 
 std::string row(const Property& property) {
     const bool oneRange = share_one_range(property), single = property.figures.size() == 1;
-    std::string text = form("  %-4s %-50s ", name(property.verdict()), property.name.c_str());
+    std::string text = formatted("  %-4s %-50s ", name(property.verdict()), property.name.c_str());
     if (single) {
         const Figure& figure = property.figures[0];
-        text += form("%-20s ", with_unit(number(figure.value, property.unit), property.unit).c_str());
+        text += formatted("%-20s ", with_unit(number(figure.value, property.unit), property.unit).c_str());
     }
     if (!property.notCompared.empty()) {
         text += "not compared";
@@ -168,7 +162,7 @@ std::string tables_text(const std::vector<TableReport>& reports) {
     const tables::Count count = tables::count(reports);
     return trimmed_lines(
         text + reasons(reports) +
-        form("%d passed, %d failed, %d not compared\n", count.passed, count.failed, count.notCompared));
+        formatted("%d passed, %d failed, %d not compared\n", count.passed, count.failed, count.notCompared));
 }
 
 std::string tables_json(const std::vector<TableReport>& reports) {
