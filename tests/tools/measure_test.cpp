@@ -92,8 +92,8 @@ TEST_F(MeasureTest, ResponseIsThatOfTheFiltersSet) {
     EXPECT_NEAR(db(std::abs(peak(1000.0, 1000.0, 6.0))), 6.0, 1e-9);
 }
 
-// Without a room, sound from the middle passes as the extracted centre, 0.707 x 1.414, up to the band that ends at
-// 8.6 kHz, and as left and right, 0.707, above.
+// Without a room, sound from the middle passes as the extracted centre, 0.707 x 1.414, up to the band that
+// ends at 8.6 kHz, and as left and right, 0.707, above.
 TEST_F(MeasureTest, HeadphonesWithoutRoomTellTheExcitationsApart) {
     const auto gain = [](const std::string& excitation, const char* side, double hz) {
         return at(measured("--what response --route headphone --set HP_SurroundWidth=0 --excite " +
@@ -146,8 +146,8 @@ TEST_F(MeasureTest, FoldingToOneChannelSilencesTheSideAndMixesEverything) {
               std::string::npos);
 }
 
-// A compressor of 12.6 dB: ratio 6, threshold -(12.6 / 0.82) (1/6 + 1) dB, the knee half as wide. At 8 kHz a period is
-// two of its groups of three samples, so that it sees a constant level.
+// A compressor of 12.6 dB: ratio 6, threshold -(12.6 / 0.82) (1/6 + 1) dB, the knee half as wide. At 8 kHz
+// a period is two of its groups of three samples, so that it sees a constant level.
 double compressed(double inputDb) {
     const double level = inputDb + db(0.5);
     const double threshold = -12.6 / 0.82 * 7.0 / 6.0;
@@ -186,8 +186,8 @@ TEST_F(MeasureTest, DynamicsAreThoseOfTheCompressor) {
     EXPECT_TRUE(none["release to 90 %"]["value"].is_null());
 }
 
-// Halved, every other value has half a bit too much, which is dropped toward zero: on average a quarter of a bit of the
-// sign, a square wave.
+// Halved, every other value has half a bit too much, which is dropped toward zero: on average a quarter of
+// a bit of the sign, a square wave.
 TEST_F(MeasureTest, HarmonicsAreThoseOfTruncationAndOfTheVirtualBass) {
     const Json plain = measured(kPlain + std::string("--what distortion"))["distortion"]["left"];
     const auto square = [](int order) { return db(1.0 / (std::numbers::pi * order) / 32768.0); };
@@ -218,8 +218,8 @@ TEST_F(MeasureTest, SwitchingIsSmoothAndItsRemainsAreSeen) {
     }
     EXPECT_LT(clicks["steady treble"]["value"], -95.0);
     EXPECT_LT(clicks["on treble"]["value"], -70.0);
-    // Switched on again, the engine plays the hop before it was switched off: half of 3277 under a ramp that rises to
-    // a tenth, with a crest of the sine in the last half period.
+    // Switched on again, the engine plays the hop before it was switched off: half of 3277 under a ramp
+    // that rises to a tenth, with a crest of the sine in the last half period.
     EXPECT_LE(clicks["left over"]["value"], 164);
     EXPECT_GE(clicks["left over"]["value"], 125);
 }

@@ -12,14 +12,14 @@ namespace zoq {
 namespace {
 
 constexpr double kToneHz = 200.0;
+// Far enough apart for the longest blocks, at whose beginnings the switch is moved.
 constexpr size_t kOnFrame = kEngineRate;
 constexpr size_t kOffFrame = kOnFrame + 72000;
 constexpr size_t kSilentFrame = kOffFrame + 48000;
 constexpr size_t kAgainFrame = kSilentFrame + 24000;
 constexpr size_t kFrames = kAgainFrame + 24000;
-constexpr size_t kSteady = 24000;  // ahead of a switching, what is steady
-constexpr size_t kTransition =
-    12000;  // behind it, what belongs to it: the fade is 5120, the delay below 2000
+constexpr size_t kSteady = 24000;       // ahead of a switching, what is steady
+constexpr size_t kTransition = 12000;   // behind it, what belongs to it: a fade of 5120, the delay
 constexpr double kTrebleFrom = 6000.0;  // Hz, where the high-pass begins to rise
 constexpr double kTrebleHz = 8000.0;    // and where it has risen
 constexpr size_t kLevelFrames = 240;    // 5 ms, over which the level above is taken

@@ -5,8 +5,8 @@
 
 namespace zoq {
 
-// A sine of 200 Hz plays while the processing is switched on, and 1.5 s later off; then, in silence, on again: what
-// comes out now has been left over from the sine.
+// A sine of 200 Hz plays while the processing is switched on, and 1.5 s later off; then, in silence, on
+// again: what comes out now has been left over from the sine.
 Clicks measure_clicks(const MeasureOptions& options);
 
 }  // namespace zoq

@@ -15,7 +15,8 @@ constexpr size_t kLength =
 constexpr size_t kSettleFrames = 2 * size_t{kEngineRate};
 constexpr double kBinHz = double{kEngineRate} / kLength;
 
-// An odd bin has no period in common with the transform, so that rounding to 16 bits makes noise, no harmonics.
+// An odd bin has no period in common with the transform, so that rounding to 16 bits makes noise, no
+// harmonics.
 size_t odd_bin(double hz) {
     return 2 * static_cast<size_t>(hz / kBinHz / 2.0) + 1;
 }

@@ -45,7 +45,7 @@ std::optional<double> time_to_pass(const std::vector<double>& gainDb, double sta
     return static_cast<double>(passed) / kEngineRate;
 }
 
-// The gain while the input has the level, from the step at first on, ended two periods ahead of the next step.
+// The gain over count sample frames from the step on, which is at first; the tone goes on behind them.
 StepResponse step_response(const std::vector<double>& envelope, double fromDb, double toDb, size_t first,
                            size_t count) {
     StepResponse step = {fromDb, toDb, {}, {}, 0.0, 0.0, std::nullopt};

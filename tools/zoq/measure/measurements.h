@@ -1,7 +1,7 @@
 // What can be measured of the engine at given settings, and the figures that come out.
 //
-// Levels are in dB of full scale, a sine at full scale being 0; nothing at all is minus infinity. Channels are
-// left and right, in this order.
+// Levels are in dB of full scale, a sine at full scale being 0; nothing at all is minus infinity. Channels
+// are left and right, in this order.
 #pragma once
 
 #include <array>
@@ -35,7 +35,8 @@ using Channels = std::array<T, 2>;
 struct Response {
     std::vector<double> hz;  // 24 to the octave, 1000 among them
     Channels<std::vector<double>> gainDb;
-    Channels<std::vector<double>> phaseDegrees;  // -180..180, with the expected latency taken off
+    // -180..180, with the expected latency taken off; not a number for silence.
+    Channels<std::vector<double>> phaseDegrees;
 };
 
 struct Impulse {

@@ -15,8 +15,8 @@ constexpr size_t kShownLead = 144;       // samples of the impulse response ahea
 constexpr size_t kSpeakerTail = 720;     // and behind it
 constexpr size_t kHeadphoneTail = 2160;  // the room's responses have 2048
 
-// From where on a gain is drawn, in samples behind the step: a period, which its level needs, and behind a step
-// down what still rings of the louder sound.
+// From where on a gain is drawn, in samples behind the step: a period, which its level needs, and behind a
+// step down what still rings of the louder sound.
 constexpr double kPeriod = 48.0;
 constexpr double kWideningRings = 480.0;
 constexpr double kRoomRings = 2200.0;

@@ -9,7 +9,7 @@ namespace zoq {
 namespace {
 
 constexpr int kPanelWidth = 760;  // pixels
-constexpr int kPanelHeight = 400;
+constexpr int kPanelHeight = 410;
 constexpr int kTitleHeight = 50;
 constexpr size_t kLongestTitle = 90;  // letters, as many as fit above one panel
 
@@ -38,8 +38,8 @@ std::string PlotScript::add_levels(const std::vector<double>& x, const std::vect
 
 std::ostream& PlotScript::panel(const std::string& title, const std::string& x, const std::string& y) {
     ++panels_;
-    commands_ << "reset\nset grid lt 1 lw 1 lc rgb '#d8d8d8'\nset key tmargin right horizontal samplen "
-                 "2\nset title "
+    commands_ << "reset\nset grid lt 1 lw 1 lc rgb '#d8d8d8'\n"
+              << "set bmargin 6\nset key bmargin center horizontal samplen 3\nset title "
               << gnuplot_text(title) << "\nset xlabel " << gnuplot_text(x) << "\nset ylabel "
               << gnuplot_text(y) << "\n";
     return commands_;
@@ -82,8 +82,9 @@ std::string gain_range(const std::vector<const std::vector<double>*>& curves) {
     if (low > high) {
         low = high = 0.0;
     }
-    high = 5.0 * std::ceil(high / 5.0 + 0.5);
-    low = std::max(std::min(5.0 * std::floor(low / 5.0 - 0.1), high - 20.0), high - 80.0);
+    const double margin = std::max(1.0, (20.0 - (high - low)) / 2.0);
+    high = 5.0 * std::ceil((high + margin) / 5.0);
+    low = std::max(5.0 * std::floor((low - margin) / 5.0), high - 80.0);
     std::ostringstream text;
     text << "set yrange [" << low << ":" << high << "]\n";
     return text.str();

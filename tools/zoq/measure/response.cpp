@@ -44,7 +44,8 @@ Response response_of(const SweepResult& sweep) {
         for (const double hz : response.hz) {
             const std::complex<double> value = transform_at(sweep.impulse.value[side], hz);
             response.gainDb[side].push_back(db(std::abs(value)));
-            response.phaseDegrees[side].push_back(std::arg(value) * 180.0 / M_PI);
+            response.phaseDegrees[side].push_back(value != 0.0 ? std::arg(value) * 180.0 / M_PI
+                                                               : std::nan(""));
         }
     }
     return response;

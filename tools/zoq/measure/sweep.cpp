@@ -15,7 +15,7 @@ constexpr size_t kSweepFrames = size_t{1} << 18;  // 5.5 s
 constexpr size_t kTailFrames = size_t{1} << 15;   // of silence, for what rings on
 constexpr size_t kLength = size_t{1} << 19;       // of the transforms: nothing wraps around onto anything
 constexpr double kFirstHz = 2.0;
-constexpr double kTrustedHz = 3.0;
+constexpr double kTrustedHz = 3.0;  // from where on the sweep is believed; the fade to it begins at its first
 constexpr double kLastHz = kEngineRate / 2.0;
 constexpr size_t kFadeIn = 240;  // sample frames of the impulse response's window
 constexpr size_t kFadeOut = 4800;
@@ -34,9 +34,9 @@ Signal make_sweep(double levelDb) {
     return sweep;
 }
 
-// What the sweep says nothing about, below its lowest frequencies, goes on from their edge, with the expected latency
-// and otherwise the real part level and the imaginary part straight to 0, as filters without poles down there have it:
-// a gap would spread over all of the impulse response.
+// What the sweep says nothing about, below its lowest frequencies, goes on from their edge, with the
+// expected latency and otherwise the real part level and the imaginary part straight to 0, as filters
+// without poles down there have it: a gap would spread over all of the impulse response.
 void fill_below_sweep(Spectrum& response, int latency) {
     const double binHz = kEngineRate / static_cast<double>(kLength);
     const auto delay = [=](size_t bin) {
@@ -65,7 +65,7 @@ double window(size_t i, size_t count) {
 std::vector<double> deconvolved(const std::vector<double>& output, const Spectrum& sweep, int latency) {
     Spectrum quotient = spectrum_of(output, kLength);
     for (size_t k = 0; k < quotient.size(); ++k) {
-        quotient[k] /= sweep[k];
+        quotient[k] = sweep[k] != 0.0 ? quotient[k] / sweep[k] : 0.0;
     }
     fill_below_sweep(quotient, latency);
     const std::vector<double> circular = signal_of(std::move(quotient), kLength);

@@ -1,10 +1,10 @@
 // Impulse responses from an exponential sweep.
 //
-// The engine is level dependent (compressor, expander, virtual bass) and its virtual bass makes harmonics. A sweep's
-// frequency rises so that each harmonic of the whole sweep is the sweep itself, earlier by a fixed time: divided by the
-// sweep, the output falls apart into the impulse response of the linear part and, well ahead of it, one for each
-// harmonic, which are cut off. What remains is the response at the sweep's level, each frequency with the gain that
-// the compressor had at its time.
+// The engine is level dependent (compressor, expander, virtual bass) and its virtual bass makes harmonics.
+// A sweep's frequency rises so that each harmonic of the whole sweep is the sweep itself, earlier by a
+// fixed time: divided by the sweep, the output falls apart into the impulse response of the linear part
+// and, well ahead of it, one for each harmonic, which are cut off. What remains is the response at the
+// sweep's level, each frequency with the gain that the compressor had at its time.
 #pragma once
 
 #include "tools/zoq/measure/measurements.h"

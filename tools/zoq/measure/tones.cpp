@@ -17,7 +17,8 @@ int16_t quantised(double value) {
     return static_cast<int16_t>(std::lround(std::clamp(32768.0 * value, -32767.0, 32767.0)));
 }
 
-PeriodicTone::PeriodicTone(double nearHz) : period_(static_cast<int>(std::lround(kEngineRate / nearHz))) {}
+PeriodicTone::PeriodicTone(double nearHz)
+    : period_(static_cast<int>(std::max(3L, std::lround(kEngineRate / nearHz)))) {}
 
 double PeriodicTone::hz() const {
     return double{kEngineRate} / period_;
