@@ -280,6 +280,7 @@ TEST(ConfigCheck, FixReadsWhatWasMeant) {
         {std::string("VB_boostlin 3\0DS_stereoWidth 4", 30), "VB_boostlin = 3\nDS_stereoWidth = 4\n", 0},
         {std::string(kLimit, ' ') + "VB_boostlin 3", "VB_boostlin = 3\n", 0},
         {"HIFIPARA=STEREOWIDEN_Enable=true", "", 1},
+        {"output_devise 8", "", 1},
     };
     for (const auto& c : kCases) {
         const Meant meant = meant_by_file(c.text);
@@ -304,7 +305,7 @@ TEST(ConfigCheck, ReportsHoldWhateverStandsInTheText) {
         for (const char c : plain.str()) {
             ASSERT_TRUE(c == '\n' || (c >= 0x20 && c < 0x7F)) << int(c);
         }
-        print_check_json(json, result, "file");
+        print_check_json(json, {{"file", &result}});
         const nlohmann::json parsed = nlohmann::json::parse(json.str());
         EXPECT_EQ(parsed["diagnostics"].size(), result.diagnostics.size());
         EXPECT_EQ(parsed["ignored"].size(), result.ignored.size());

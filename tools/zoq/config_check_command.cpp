@@ -78,22 +78,29 @@ int check(const CheckCommand& command) {
     }
     const size_t most = command.all ? 0 : kMostDiagnostics;
     const CheckResult fileResult = check_file(fileText);
-    const CheckResult result =
-        command.hasString ? check_parameter_string(command.string, fileText) : fileResult;
+    const CheckResult stringResult = check_parameter_string(command.string, fileText);
+    std::vector<NamedResult> results;
+    if (command.hasFile) {
+        results.push_back({file, &fileResult});
+    }
+    if (command.hasString) {
+        results.push_back({"string", &stringResult});
+    }
     std::ostringstream text;
     if (command.json) {
-        print_check_json(text, result, command.hasString ? "string" : file);
+        print_check_json(text, results);
     } else {
-        if (command.hasFile) {
-            print_diagnostics(text, fileResult, file, most);
+        for (const NamedResult& checked : results) {
+            print_diagnostics(text, *checked.result, checked.name, most);
         }
-        if (command.hasString) {
-            print_diagnostics(text, result, "string", most);
-        }
-        print_prediction(text, result);
+        print_prediction(text, *results.back().result);
     }
     write_text("-", text.str());
-    return command.hasFile ? std::max(fileResult.exit_code(), result.exit_code()) : result.exit_code();
+    int code = 0;
+    for (const NamedResult& checked : results) {
+        code = std::max(code, checked.result->exit_code());
+    }
+    return code;
 }
 
 }  // namespace

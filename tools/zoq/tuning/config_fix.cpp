@@ -85,7 +85,7 @@ class FileReader {
     }
 
     void take(const Token& key, const KeyGuess& guess) {
-        if (guess.how == How::kAbsent) {
+        if (spelling(guess.row, Dialect::kFile) == nullptr) {
             drop(key, "the file has no such key");
             return;
         }
@@ -165,7 +165,7 @@ Meant meant_by_parameter_string(std::string_view text) {
     for (const Pair& pair : string_pairs(copy)) {
         const KeyGuess guess = guess_key(pair.key.text, Dialect::kString);
         std::string value;
-        if (trusted(guess) && guess.how != How::kAbsent) {
+        if (trusted(guess) && spelling(guess.row, Dialect::kString) != nullptr) {
             value = meant_value(guess.row, std::string(pair.value.text));
         }
         if (value.empty()) {

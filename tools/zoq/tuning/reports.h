@@ -3,6 +3,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "tools/zoq/tuning/config_check.h"
 #include "tools/zoq/tuning/eq_fit.h"
@@ -20,7 +21,13 @@ void print_diagnostics(std::ostream& out, const CheckResult& result, const std::
 // What the engine stores and the chain uses, setting by setting.
 void print_prediction(std::ostream& out, const CheckResult& result);
 
-void print_check_json(std::ostream& out, const CheckResult& result, const std::string& name);
+struct NamedResult {
+    std::string name;
+    const CheckResult* result;
+};
+
+// One object, or an array of them when there are several.
+void print_check_json(std::ostream& out, const std::vector<NamedResult>& results);
 
 // The nine gains, how far the engine's response stays from the curve, and what was left out of it.
 void print_fit(std::ostream& out, const EqFit& fit, double preampDb);

@@ -82,6 +82,30 @@ Json result_settings(const CheckResult& result) {
     return settings;
 }
 
+Json check_json(const CheckResult& result, const std::string& name) {
+    static constexpr const char* kSeverities[] = {"note", "warning", "error"};
+    static constexpr const char* kVerdicts[] = {"clean", "warnings", "errors"};
+    Json diagnostics = Json::array(), ignored = Json::array();
+    for (const Diagnostic& diagnostic : result.diagnostics) {
+        diagnostics.push_back({{"severity", kSeverities[static_cast<int>(diagnostic.severity)]},
+                               {"code", diagnostic.code},
+                               {"place", place_json(diagnostic.place)},
+                               {"token", diagnostic.token},
+                               {"message", diagnostic.message},
+                               {"suggestion", diagnostic.suggestion}});
+    }
+    for (const IgnoredToken& token : result.ignored) {
+        ignored.push_back({{"token", token.text}, {"code", token.code}, {"place", place_json(token.place)}});
+    }
+    return {{"name", name},
+            {"bytes", result.bytes},
+            {"bytes_read", result.bytesRead},
+            {"verdict", kVerdicts[result.exit_code()]},
+            {"diagnostics", diagnostics},
+            {"ignored", ignored},
+            {"settings", result_settings(result)}};
+}
+
 void print(std::ostream& out, const Json& json) {
     // Bytes that are no UTF-8 are replaced, so that the answer can always be read.
     out << json.dump(2, ' ', false, Json::error_handler_t::replace) << "\n";
@@ -99,28 +123,12 @@ void print_settings_json(std::ostream& out, int onlyRow) {
     print(out, onlyRow < 0 ? settings : settings[0]);
 }
 
-void print_check_json(std::ostream& out, const CheckResult& result, const std::string& name) {
-    static constexpr const char* kSeverities[] = {"note", "warning", "error"};
-    static constexpr const char* kVerdicts[] = {"clean", "warnings", "errors"};
-    Json diagnostics = Json::array(), ignored = Json::array();
-    for (const Diagnostic& diagnostic : result.diagnostics) {
-        diagnostics.push_back({{"severity", kSeverities[static_cast<int>(diagnostic.severity)]},
-                               {"code", diagnostic.code},
-                               {"place", place_json(diagnostic.place)},
-                               {"token", diagnostic.token},
-                               {"message", diagnostic.message},
-                               {"suggestion", diagnostic.suggestion}});
+void print_check_json(std::ostream& out, const std::vector<NamedResult>& results) {
+    Json all = Json::array();
+    for (const NamedResult& checked : results) {
+        all.push_back(check_json(*checked.result, checked.name));
     }
-    for (const IgnoredToken& token : result.ignored) {
-        ignored.push_back({{"token", token.text}, {"code", token.code}, {"place", place_json(token.place)}});
-    }
-    print(out, {{"name", name},
-                {"bytes", result.bytes},
-                {"bytes_read", result.bytesRead},
-                {"verdict", kVerdicts[result.exit_code()]},
-                {"diagnostics", diagnostics},
-                {"ignored", ignored},
-                {"settings", result_settings(result)}});
+    print(out, all.size() == 1 ? all[0] : all);
 }
 
 }  // namespace zoq
