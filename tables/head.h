@@ -1,4 +1,4 @@
-// A measured head: impulse responses from many directions to both ears, read from a SOFA file.
+// A measured head: impulse responses from many directions to both ears.
 #pragma once
 
 #include <array>
@@ -21,6 +21,7 @@ struct Head {
     double rateHz = 0.0;
     std::vector<Direction> directions;
     std::vector<std::array<Signal, 2>> responses;  // [direction][ear], all of one length, delays included
+    std::vector<std::string> credits;              // what its file says of source, authors and licence
 };
 
 // What is wrong with a file and what to do about it, in one sentence.
@@ -28,13 +29,8 @@ struct HeadError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-inline constexpr const char* kDefaultHeadFile = "/usr/share/libmysofa/MIT_KEMAR_normal_pinna.sofa";
-
-// Reads and checks a head. Throws HeadError.
-Head load_head(const std::string& path);
-
 // Throws HeadError unless the rate is sensible, all values are finite, no response is silent and the left ear
-// comes first. load_head has done it.
+// comes first. load_head (tables/head_file.h) has done it.
 void require_sound(const Head& head);
 
 // Angle between two directions, degrees.

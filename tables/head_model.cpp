@@ -33,25 +33,33 @@ constexpr Direction kReflections[] = {{180, 0},   {240, 0},   {300, 0}, {0, -40}
 
 std::string name(const Direction& direction) {
     return "azimuth " + std::to_string(std::lround(direction.azimuth)) + ", elevation " +
-           std::to_string(std::lround(direction.elevation)) + " degrees";
+           std::to_string(std::lround(direction.elevation));
 }
 
-void require_direction(const Head& head, const Direction& wanted, double within) {
-    const double off = angle(head.directions[nearest(head, wanted)], wanted);
-    if (off > within) {
-        throw HeadError("the head has no measurement near " + name(wanted) + ": the nearest is " +
-                        std::to_string(std::lround(off)) + " degrees away, " +
-                        std::to_string(std::lround(within)) +
-                        " are allowed; use a set that covers the sphere");
-    }
+// What a head lacks near a direction, or nothing.
+std::string missing(const Head& head, const Direction& wanted, double within) {
+    const Direction& found = head.directions[nearest(head, wanted)];
+    const double off = angle(found, wanted);
+    return off <= within ? ""
+                         : "near " + name(wanted) + " (" + std::to_string(std::lround(within)) +
+                               " degrees off are allowed, the nearest is " +
+                               std::to_string(std::lround(off)) + " off at " + name(found) + ")";
 }
 
 void require_directions(const Head& head) {
+    std::string all;
+    const auto look = [&](const Direction& wanted, double within) {
+        const std::string lack = missing(head, wanted, within);
+        all += all.empty() || lack.empty() ? lack : "; " + lack;
+    };
     for (const Direction& wanted : kSources) {
-        require_direction(head, wanted, kSourceDegrees);
+        look(wanted, kSourceDegrees);
     }
     for (const Direction& wanted : kReflections) {
-        require_direction(head, wanted, kReflectionDegrees);
+        look(wanted, kReflectionDegrees);
+    }
+    if (!all.empty()) {
+        throw HeadError("the head has no measurement " + all + "; use a set that covers the sphere");
     }
 }
 

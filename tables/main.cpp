@@ -11,9 +11,8 @@
 #include <vector>
 
 #include "tables/bass_sections.h"
-#include "tables/head.h"
+#include "tables/head_file.h"
 #include "tables/pan_curves.h"
-#include "tables/report.h"
 #include "tables/room_responses.h"
 #include "tables/transform_tables.h"
 #include "tables/widening_filters.h"
@@ -23,13 +22,12 @@ namespace {
 using zoq::tables::GeneratedFile;
 
 constexpr const char* kHelp =
-    "usage: zoq-make-tables [--source DIR] [--check | --report]\n"
+    "usage: zoq-make-tables [--source DIR] [--check]\n"
     "\n"
     "Remakes every generated table file of the source tree, or compares them.\n"
     "\n"
     "  --source DIR  the source tree (default: the current directory)\n"
     "  --check       write nothing; compare the committed files with remade ones\n"
-    "  --report      write nothing; print what the filters and room responses measure\n"
     "  --help        this text\n"
     "\n"
     "exit status: 0 done, or no difference; 1 a committed file differs; 2 wrong usage;\n"
@@ -44,7 +42,6 @@ struct UsageError : std::runtime_error {
 struct Options {
     std::filesystem::path source = ".";
     bool check = false;
-    bool report = false;
     bool help = false;
 };
 
@@ -61,8 +58,6 @@ Options read_options(const std::vector<std::string>& words) {
             options.source = argument();
         } else if (words[i] == "--check") {
             options.check = true;
-        } else if (words[i] == "--report") {
-            options.report = true;
         } else if (words[i] == "--help") {
             options.help = true;
         } else {
@@ -80,15 +75,8 @@ Laboratory; free with no restrictions on use, provided the authors are cited.)";
 std::vector<GeneratedFile> make_all() {
     using namespace zoq::tables;
     return {transform_tables_file(), pan_curves_file(), bass_sections_file(), widening_filters_file(),
-            room_responses_file(make_room_responses(load_head(kDefaultHeadFile)), kHeadSource)};
-}
-
-void report() {
-    using namespace zoq::tables;
-    const Head head = load_head(kDefaultHeadFile);
-    const WideningFilters filters = make_widening_filters();
-    report_widening(std::cout, filters.sameSide, filters.crossFeed, head);
-    report_rooms(std::cout, make_room_responses(head).tables(), head);
+            room_responses_file(make_room_responses(load_head(kDefaultHeadFile)), "zoq-make-tables",
+                                kHeadSource)};
 }
 
 std::string reason(const std::filesystem::path& path) {
@@ -139,10 +127,6 @@ int main(int argc, char** argv) {
         const Options options = read_options({argv + 1, argv + argc});
         if (options.help) {
             std::cout << kHelp;
-            return kDone;
-        }
-        if (options.report) {
-            report();
             return kDone;
         }
         return run(options);

@@ -1,5 +1,5 @@
-// Measures what the generated filters and room responses are to achieve, from data in the shape of the
-// records.
+// Measures what the generated filters, room responses and sections are to achieve, from data in the shape of
+// the records.
 //
 // Nothing here knows how the data was made: sets from elsewhere are measured alike.
 #pragma once
@@ -10,6 +10,7 @@
 
 #include "modules/x2b/x2b.h"
 #include "tables/head.h"
+#include "tables/signal.h"
 
 namespace zoq::tables {
 
@@ -19,6 +20,11 @@ using Bins = std::span<const android::creal32_T>;
 Signal impulse_response(Bins filter);
 double magnitude(Bins filter, int bin);
 
+// Thirds of an octave from 125 Hz to 16 kHz.
+inline constexpr int kThirds = 22, kThirdAt500Hz = 6;
+// Mean power per bin in each third of a response at 48 kHz, of up to 4096 samples.
+std::array<double, kThirds> third_powers(const Signal& response);
+
 // ---- Widening filters
 
 struct WideningQuality {
@@ -26,12 +32,19 @@ struct WideningQuality {
     double outsideDb;                 // energy outside samples 7..466 against all, the worse of the two
     double midGainDb;                 // highest |same + cross| of all bins: what the centre may gain
     int midGainBin;
+    std::array<double, kThirds> midThirdsDb;  // the same by thirds
+    double edgeImaginary;                     // largest imaginary part at bins 0 and 512
 };
 WideningQuality measure_widening(Bins sameSide, Bins crossFeed);
 
 // A left-only input through filters and two loudspeakers at +-speakerDegrees: level of the far ear against
 // the near one, by thirds of an octave from 500 Hz to 2 kHz.
 std::array<double, 7> far_ear_db(Bins sameSide, Bins crossFeed, const Head& head, double speakerDegrees);
+
+// ---- Sections
+
+// Power that the first sections of a section matrix (dsp/section.h) pass at one frequency.
+double cascade_power(const float* sos, int sections, double hz);
 
 // ---- Room responses
 
@@ -46,6 +59,8 @@ inline size_t first_bin(int p, int r) {
 inline constexpr int kRoomTaps = android::kX2bPartitions * android::kHopSamples;
 
 enum Side { kSameSide, kOppositeSide };
+// The taps of response r, 0..3.
+Signal room_response(const RoomTables& rooms, int side, int r);
 
 inline constexpr std::array<double, 5> kLevelOctavesHz = {500, 1000, 2000, 4000, 8000};
 
@@ -60,6 +75,7 @@ Interaural interaural(const Head& head, const Direction& direction);
 struct ResponseQuality {
     std::array<int, 2> arrival;                  // first tap of partition 0 above a tenth of its peak
     std::array<double, 2> bin0;                  // of partition 0
+    std::array<double, 2> energy;                // of all taps
     double energyRatio;                          // opposite side over same side
     std::array<std::array<double, 4>, 2> share;  // of a side's energy in each partition
     Interaural ears;
@@ -79,5 +95,8 @@ struct RenderingQuality {
 };
 RenderingQuality measure_lateral(const RoomTables& rooms, double width);
 RenderingQuality measure_centre(const RoomTables& rooms, double width);
+
+// Energy of the first 2.5 ms against what follows, of one channel at one width of 0.2 or more; same side, other ear.
+std::array<double, 2> direct_to_reverberant_db(const RoomTables& rooms, double width);
 
 }  // namespace zoq::tables

@@ -19,7 +19,7 @@ constexpr double kDelayFromHz = 100.0, kDelayToHz = 1500.0;
 constexpr int kLongestDelay = 60, kDelaySteps = 10;  // samples, and parts of one
 constexpr double kTailFromSeconds = 0.010, kTailToSeconds = 0.036;
 constexpr double kLowestThirdHz = 125.0;
-constexpr int kThirds = 22;  // to 16 kHz
+constexpr size_t kDirectTaps = kSampleRateHz / 400;  // 2.5 ms
 constexpr double kDryPower = 0.707 * 0.707;
 
 double hz(size_t bin) {
@@ -140,27 +140,37 @@ Interaural interaural_at(const Spectrum& near, const Spectrum& far, double hzPer
 }
 
 RenderingQuality rendering(const Signal& near, const Signal& far, double dryPower) {
-    const Spectrum a = transform(near, kLength), b = transform(far, kLength);
-    std::vector<double> levels;
-    double power = 0.0;
-    for (int third = 0; third < kThirds; ++third) {
-        const double low = kLowestThirdHz * std::exp2((third - 0.5) / 3.0), high = low * std::exp2(1.0 / 3.0);
-        const double bins = std::ceil(high / hz(1)) - std::ceil(low / hz(1));
-        const double mean =
-            (band_power(a, hz(1), low, high) + band_power(b, hz(1), low, high)) / bins / dryPower;
-        power += mean / kThirds;
-        levels.push_back(decibel(mean));
-    }
-    double mean = 0.0, square = 0.0;
-    for (const double level : levels) {
-        mean += level / kThirds;
-        square += level * level / kThirds;
+    const auto a = third_powers(near), b = third_powers(far);
+    std::array<double, kThirds> levels;
+    double power = 0.0, mean = 0.0, square = 0.0;
+    for (size_t third = 0; third < levels.size(); ++third) {
+        const double share = (a[third] + b[third]) / dryPower;
+        levels[third] = decibel(share);
+        power += share / kThirds;
+        mean += levels[third] / kThirds;
+        square += levels[third] * levels[third] / kThirds;
     }
     const auto [lowest, highest] = std::minmax_element(levels.begin(), levels.end());
     return {decibel(power), std::sqrt(std::max(0.0, square - mean * mean)), *highest - *lowest};
 }
 
+// What one ear gets of a side channel: the narrower and the wider response, crossfaded.
+Signal side_response(const RoomTables& rooms, int side, double width) {
+    const double wide = width * 0.8 + 0.2;
+    const Gains same = {1, 1, 1, 1}, opposite = {1.0, width + 1.0, width + 1.0, 2.0 * width * (width + 1.0)};
+    const Gains& gains = side == kSameSide ? same : opposite;
+    Signal x = response(rooms, side, 1, gains);
+    const Signal wider = response(rooms, side, 2, gains);
+    std::transform(x.begin(), x.end(), wider.begin(), x.begin(),
+                   [&](double a, double b) { return (1.0 - wide) * a + wide * b; });
+    return x;
+}
+
 }  // namespace
+
+Signal room_response(const RoomTables& rooms, int side, int r) {
+    return response(rooms, side, r);
+}
 
 Interaural interaural(const Spectrum& near, const Spectrum& far) {
     return interaural_at(near, far, 0.5 * kSampleRateHz / double(near.size() - 1));
@@ -200,6 +210,7 @@ ResponseQuality measure_response(const RoomTables& rooms, int r) {
         quality.arrival[s] = arrival(partition(rooms, side, 0, r));
         quality.bin0[s] = double(stored(rooms, side, 0, r).front().re);
     }
+    quality.energy = total;
     quality.energyRatio = total[kOppositeSide] / total[kSameSide];
     quality.ears = interaural(transform(response(rooms, kSameSide, r), kLength),
                               transform(response(rooms, kOppositeSide, r), kLength));
@@ -210,21 +221,34 @@ ResponseQuality measure_response(const RoomTables& rooms, int r) {
 }
 
 RenderingQuality measure_lateral(const RoomTables& rooms, double width) {
-    const double wide = width * 0.8 + 0.2;
-    const Gains opposite = {1.0, width + 1.0, width + 1.0, 2.0 * width * (width + 1.0)};
-    const auto mixed = [&](int side, const Gains& gains) {
-        Signal x = response(rooms, side, 1, gains);
-        const Signal wider = response(rooms, side, 2, gains);
-        std::transform(x.begin(), x.end(), wider.begin(), x.begin(),
-                       [&](double a, double b) { return (1.0 - wide) * a + wide * b; });
-        return x;
-    };
-    return rendering(mixed(kSameSide, {1, 1, 1, 1}), mixed(kOppositeSide, opposite), kDryPower);
+    return rendering(side_response(rooms, kSameSide, width), side_response(rooms, kOppositeSide, width),
+                     kDryPower);
 }
 
 RenderingQuality measure_centre(const RoomTables& rooms, double width) {
     const Signal x = response(rooms, kSameSide, 0, {1.0, 1.0, width, width});
     return rendering(x, x, 2.0 * kDryPower);
+}
+
+std::array<double, 2> direct_to_reverberant_db(const RoomTables& rooms, double width) {
+    std::array<double, 2> ratio{};
+    for (const int side : {kSameSide, kOppositeSide}) {
+        const Signal x = side_response(rooms, side, width);
+        const auto end = x.begin() + arrival(x) + int(kDirectTaps);
+        ratio[size_t(side)] = decibel(energy({x.begin(), end}) / energy({end, x.end()}));
+    }
+    return ratio;
+}
+
+std::array<double, kThirds> third_powers(const Signal& response) {
+    const Spectrum bins = transform(response, kLength);
+    std::array<double, kThirds> powers{};
+    for (int third = 0; third < kThirds; ++third) {
+        const double low = kLowestThirdHz * std::exp2((third - 0.5) / 3.0), high = low * std::exp2(1.0 / 3.0);
+        const double count = std::ceil(high / hz(1)) - std::ceil(low / hz(1));
+        powers[size_t(third)] = band_power(bins, hz(1), low, high) / count;
+    }
+    return powers;
 }
 
 }  // namespace zoq::tables

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "tables/quality.h"
 #include "tables/widening_filters.h"
@@ -45,16 +46,38 @@ double magnitude(Bins filter, int bin) {
 
 WideningQuality measure_widening(Bins sameSide, Bins crossFeed) {
     const Signal same = impulse_response(sameSide), cross = impulse_response(crossFeed);
-    WideningQuality quality{peak(same), peak(cross), std::max(outside_db(same), outside_db(cross)), -1000.0,
-                            0};
+    WideningQuality quality{};
+    quality.sameSidePeak = peak(same);
+    quality.crossFeedPeak = peak(cross);
+    quality.outsideDb = std::max(outside_db(same), outside_db(cross));
+    quality.midGainDb = -1000.0;
     for (int k = 0; k < kBins; ++k) {
         const double gain = decibel(std::norm(value(sameSide, k) + value(crossFeed, k)) + 1e-30);
-        if (gain > quality.midGainDb) {
+        if (!(gain <= quality.midGainDb)) {
             quality.midGainDb = gain;
             quality.midGainBin = k;
         }
     }
+    Signal mid(same);
+    std::transform(mid.begin(), mid.end(), cross.begin(), mid.begin(), std::plus());
+    const auto powers = third_powers(mid);
+    std::transform(powers.begin(), powers.end(), quality.midThirdsDb.begin(), decibel);
+    for (const Bins filter : {sameSide, crossFeed}) {
+        for (const int k : {0, kBins - 1}) {
+            quality.edgeImaginary = std::max(quality.edgeImaginary, std::fabs(value(filter, k).imag()));
+        }
+    }
     return quality;
+}
+
+double cascade_power(const float* sos, int sections, double hz) {
+    const std::complex<double> z = std::polar(1.0, -2.0 * std::numbers::pi * hz / kSampleRateHz);
+    std::complex<double> h = 1.0;
+    for (int s = 0; s < sections; ++s) {
+        const auto c = [&](int j) { return double(sos[3 * j + s]); };
+        h *= (c(0) + z * (c(1) + z * c(2))) / (c(3) + z * (c(4) + z * c(5)));
+    }
+    return std::norm(h);
 }
 
 std::array<double, 7> far_ear_db(Bins sameSide, Bins crossFeed, const Head& head, double speakerDegrees) {

@@ -44,10 +44,11 @@ std::string worst_error(const RoomTables& rooms) {
 
 }  // namespace
 
-GeneratedFile room_responses_file(const RoomResponses& rooms, const std::string& source) {
-    SourceText text("modules/x2b/x2b_tables.h",
-                    "The room responses. Made by zoq-make-tables (tables/room_responses.cpp).\n" + source +
-                        R"(
+GeneratedFile room_responses_file(const RoomResponses& rooms, const std::string& maker,
+                                  const std::string& source) {
+    SourceText text("modules/x2b/x2b_tables.h", "The room responses. Made by " + maker +
+                                                    " (tables/room_responses.cpp).\n" + source +
+                                                    R"(
 Formula: direct sound of the head, diffuse-field equalised and of minimum phase, at its arrival tap; mirror
 images of a 5.2 x 4.0 x 2.6 m room, each through the head; a diffuse tail; a high-pass that sets bin 0.
 Azimuths 0, 30, 60 and 130 degrees; rows are half spectra of the 512-tap partitions.

@@ -29,7 +29,8 @@ struct RoomResponses {
 // Throws HeadError if the head lacks directions, or is so unusual that the plans cannot be met.
 RoomResponses make_room_responses(const Head& head);
 
-// source: where the head comes from and whom to thank, lines of a comment.
-GeneratedFile room_responses_file(const RoomResponses& rooms, const std::string& source);
+// maker: the program; source: where the head comes from and whom to thank, lines of a comment.
+GeneratedFile room_responses_file(const RoomResponses& rooms, const std::string& maker,
+                                  const std::string& source);
 
 }  // namespace zoq::tables

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <kissfft.hh>
+#include <map>
 #include <numbers>
-#include <unsupported/Eigen/FFT>
 
 #include "dsp/frame.h"
 
@@ -11,9 +12,12 @@ namespace zoq::tables {
 
 namespace {
 
-Eigen::FFT<double>& half_spectrum_fft() {
-    thread_local Eigen::FFT<double> fft(Eigen::FFT<double>::impl_type(), Eigen::FFT<double>::HalfSpectrum);
-    return fft;
+using Transform = kissfft<double>;
+
+// Factors are found once for each length and direction.
+const Transform& plan(size_t length, bool inverse) {
+    thread_local std::map<std::pair<size_t, bool>, Transform> plans;
+    return plans.try_emplace({length, inverse}, length, inverse).first->second;
 }
 
 }  // namespace
@@ -21,14 +25,25 @@ Eigen::FFT<double>& half_spectrum_fft() {
 Spectrum transform(const Signal& x, size_t length) {
     Signal padded(x);
     padded.resize(length);
-    Spectrum bins;
-    half_spectrum_fft().fwd(bins, padded);
+    Spectrum bins(length / 2 + 1);
+    plan(length / 2, false).transform_real(padded.data(), bins.data());
+    // Bins 0 and length / 2 are real and share one number.
+    bins.back() = bins.front().imag();
+    bins.front() = bins.front().real();
     return bins;
 }
 
 Signal inverse_transform(const Spectrum& bins) {
+    const size_t length = 2 * (bins.size() - 1);
+    Spectrum whole(bins), samples(length);
+    for (size_t k = bins.size() - 2; k > 0; --k) {
+        whole.push_back(std::conj(bins[k]));
+    }
+    plan(length, true).transform(whole.data(), samples.data());
     Signal x;
-    half_spectrum_fft().inv(x, bins);
+    for (const std::complex<double>& sample : samples) {
+        x.push_back(sample.real() / double(length));
+    }
     return x;
 }
 

@@ -13,11 +13,6 @@ using android::creal32_T;
 using android::kBins;
 using android::kFrameSamples;
 
-const std::vector<BinLevel> kSameSideCheckpoints = {
-    {0, 0.627}, {10, 1.24}, {43, 0.67}, {171, 2.07}, {512, 0.0}};
-const std::vector<BinLevel> kCrossFeedCheckpoints = {{0, 0.0023}, {1, 0.008},  {2, 0.03},    {10, 1.20},
-                                                     {43, 0.52},  {171, 1.22}, {384, 0.012}, {512, 0.0}};
-
 namespace {
 
 using Complex = std::complex<double>;

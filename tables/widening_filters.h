@@ -21,8 +21,10 @@ struct BinLevel {
 };
 
 // The magnitudes that characterise the pair; every one is met exactly.
-extern const std::vector<BinLevel> kSameSideCheckpoints;
-extern const std::vector<BinLevel> kCrossFeedCheckpoints;
+inline const std::vector<BinLevel> kSameSideCheckpoints = {
+    {0, 0.627}, {10, 1.24}, {43, 0.67}, {171, 2.07}, {512, 0.0}};
+inline const std::vector<BinLevel> kCrossFeedCheckpoints = {
+    {0, 0.0023}, {1, 0.008}, {2, 0.03}, {10, 1.20}, {43, 0.52}, {171, 1.22}, {384, 0.012}, {512, 0.0}};
 
 // The impulse responses are 0 outside these samples, and peak at these two.
 inline constexpr int kFilterFirstTap = 7, kFilterLastTap = 466;

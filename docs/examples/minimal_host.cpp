@@ -14,7 +14,8 @@ int main() {
         for (size_t i = 0; i < block.size(); ++i) {
             block[i] = static_cast<int16_t>(i % 96 < 48 ? 3000 : -3000);  // the player's next block
         }
-        ZOQ_OUTPROC_PLAY_SAMPLES(block.data(), static_cast<int>(block.size() * sizeof(int16_t)), kRate, kChannels);
+        ZOQ_OUTPROC_PLAY_SAMPLES(block.data(), static_cast<int>(block.size() * sizeof(int16_t)), kRate,
+                                 kChannels);
     }
     std::printf("%s\n", ZOQ_PARAMS_GET(android::String8("DS_stereoWidth")).string());
     return block[0] != 3000 ? 0 : 1;  // processed, not passed through

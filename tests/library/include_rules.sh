@@ -3,7 +3,7 @@
 #   include_rules.sh ROOT
 set -eu
 cd "$1"
-find dsp platform modules chain include host tools adapters \( -name '*.h' -o -name '*.cpp' \) 2>/dev/null | sort |
+find dsp platform modules chain include host tables tools adapters \( -name '*.h' -o -name '*.cpp' \) 2>/dev/null | sort |
     xargs awk '
     BEGIN {
         platform = "(android/log|system/audio|utils/(Errors|SortedVector|String8))\\.h"
@@ -18,7 +18,9 @@ find dsp platform modules chain include host tools adapters \( -name '*.h' -o -n
         may["chain"] = modules "|" shared
         may["include"] = platform "|chain/.*|" modules "|dsp/(fft|frame|grid|section)\\.h"
         may["host"] = public "|" platform "|chain/.*|" modules "|" shared
-        may["tools"] = may["adapters"] = public "|" platform "|host/.*"
+        may["tables"] = "dsp/.*|modules/.*"
+        may["adapters"] = public "|" platform "|host/.*"
+        may["tools"] = may["adapters"] "|tables/.*"
     }
     FNR == 1 {
         files++

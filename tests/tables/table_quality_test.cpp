@@ -9,6 +9,7 @@
 
 #include "modules/tws/tws_tables.h"
 #include "modules/x2b/x2b_tables.h"
+#include "tables/head_file.h"
 #include "tables/quality.h"
 #include "tests/support/dft.h"
 

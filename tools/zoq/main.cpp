@@ -13,6 +13,7 @@
 #include "tools/zoq/measure_command.h"
 #include "tools/zoq/params_command.h"
 #include "tools/zoq/render_command.h"
+#include "tools/zoq/tables_command.h"
 
 namespace {
 
@@ -76,6 +77,7 @@ int main(int argc, char** argv) {
         zoq::add_measure_command(app);
         zoq::add_params_command(app);
         zoq::add_config_command(app);
+        zoq::add_tables_command(app);
         return run(app, argc, argv);
     } catch (const zoq::ExitCode& exit) {
         return exit.code;

@@ -1,0 +1,24 @@
+// Heads written as SOFA files, right or wrong in one place.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tables/head.h"
+
+namespace sofa {
+
+struct Content {
+    zoq::tables::Head head;
+    std::string convention = "SimpleFreeFieldHRIR";
+    std::string dataType = "FIR";
+    size_t receivers = 2;  // the ears' responses repeat
+    std::string without;   // name of a variable to leave out
+    std::string title = "a ball";
+};
+
+// Throws std::runtime_error if the file cannot be written.
+void write(const std::string& path, const Content& content);
+
+}  // namespace sofa
