@@ -137,6 +137,9 @@ TEST_F(MeasureTest, FoldingToOneChannelSilencesTheSideAndMixesEverything) {
     for (const double value : ratio) {
         EXPECT_NEAR(value, 0.0, 1e-6);
     }
+    const Json apart = measured("--what crosstalk --route headphone --set HP_SurroundWidth=0")["crosstalk"];
+    EXPECT_LT(at(apart["right against left"], 1000.0), -60.0);
+
     const Json side = measured(kPlain + std::string("--what response,latency --excite side"));
     EXPECT_TRUE(side["latency"]["left"]["peak"]["value"].is_null());
     for (const Json& value : side["response"]["right"]["gain"]["values"]) {

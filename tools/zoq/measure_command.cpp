@@ -76,10 +76,10 @@ void add_measure_options(CLI::App& app, Command& command) {
     app.add_option("--level", options.levelDb, "peak of the excitation, -80 to 0 dBFS (default: -20)")
         ->check(CLI::Range(-80.0, 0.0))
         ->option_text("DB");
-    app.add_option(
-           "--tone", options.toneHz,
-           "for distortion, static and dynamics, 20 to 20000 Hz (default: 1000); period in whole samples "
-           "for the latter two")
+    app.add_option("--tone", options.toneHz,
+                   "for distortion, static and dynamics, 20 to 20000 Hz (default: 1000); a period of 3 "
+                   "samples or more, whole, "
+                   "for the latter two")
         ->check(CLI::Range(20.0, 20000.0))
         ->option_text("HZ");
     app.add_option("--bass", options.bassHz, "for distortion, 20 to 20000 Hz (default: 50)")

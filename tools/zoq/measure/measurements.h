@@ -47,7 +47,6 @@ struct Impulse {
 struct Arrival {
     int onset;  // first sample of at least a tenth of the peak
     int peak;   // the largest sample, either sign
-    double peakValue;
 };
 
 struct LatencyFigures {

@@ -64,9 +64,8 @@ LatencyFigures latency_of(const SweepResult& sweep) {
         const double threshold = 0.1 * std::abs(*peak);
         const auto onset = std::find_if(impulse.begin(), impulse.end(),
                                         [=](double value) { return std::abs(value) >= threshold; });
-        figures.arrival[side] =
-            Arrival{sweep.impulse.start + static_cast<int>(onset - impulse.begin()),
-                    sweep.impulse.start + static_cast<int>(peak - impulse.begin()), *peak};
+        figures.arrival[side] = Arrival{sweep.impulse.start + static_cast<int>(onset - impulse.begin()),
+                                        sweep.impulse.start + static_cast<int>(peak - impulse.begin())};
     }
     return figures;
 }
