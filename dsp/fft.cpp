@@ -10,6 +10,9 @@ int32_t fft_table_flag;
 
 namespace {
 
+// The table is exported: whatever a host writes into it, an index stays inside the frame.
+constexpr int32_t kIndexMask = kFrameSamples - 1;
+
 void butterfly(creal32_T& upper, creal32_T& lower, creal32_T t) {
     lower = upper - t;
     upper = upper + t;
@@ -63,7 +66,7 @@ void init_fft_index_table(int n, int* table) {
 void fft(const creal32_T* x, creal32_T* y) {
     const int32_t* target = bit_reversal();
     for (int i = 0; i < kFrameSamples; ++i) {
-        y[target[i]] = x[i];
+        y[target[i] & kIndexMask] = x[i];
     }
     transform_stages(y, kTwiddleForwardSin);
 }
@@ -75,7 +78,7 @@ void b_fft(const creal32_T* x, creal32_T* y) {
 void c_fft(const float* x, creal32_T* y) {
     const int32_t* target = bit_reversal();
     for (int i = 0; i < kFrameSamples; ++i) {
-        y[target[i]] = {x[i], 0.0f};
+        y[target[i] & kIndexMask] = {x[i], 0.0f};
     }
     transform_stages(y, kTwiddleForwardSin);
 }
@@ -83,7 +86,7 @@ void c_fft(const float* x, creal32_T* y) {
 void ifft(const creal32_T* x, creal32_T* y) {
     const int32_t* target = bit_reversal();
     for (int i = 0; i < kFrameSamples; ++i) {
-        y[target[i]] = x[i];
+        y[target[i] & kIndexMask] = x[i];
     }
     transform_stages(y, kTwiddleInverseSin);
     constexpr float kScale = 1.0f / kFrameSamples;

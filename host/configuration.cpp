@@ -51,9 +51,9 @@ void apply_tokens(char* text) {
 }
 
 // A directory would fail to read; a device or a pipe might never end.
-bool is_regular_file(const char* path) {
+bool is_special_file(const char* path) {
     struct stat status;
-    return stat(path, &status) == 0 && S_ISREG(status.st_mode);
+    return stat(path, &status) == 0 && !S_ISREG(status.st_mode);
 }
 
 }  // namespace
@@ -87,7 +87,7 @@ void apply_configuration_text(const char* text, size_t length) {
 }
 
 bool apply_configuration_file(const char* path) {
-    if (!is_regular_file(path)) {
+    if (is_special_file(path)) {
         return false;
     }
     FILE* file = std::fopen(path, "rb");

@@ -9,11 +9,16 @@ namespace android {
 
 namespace {
 
-// The "C" locale on the calling thread for a scope. Made once, at first use; should that fail, the thread's own
-// serves.
+// Made once, at first use, and never freed: a host may still call while the process ends.
+locale_t c_locale() {
+    static const locale_t the = newlocale(LC_ALL_MASK, "C", nullptr);
+    return the;
+}
+
+// The "C" locale on the calling thread for a scope; the thread's own serves if it cannot be made.
 class CLocale {
   public:
-    CLocale() : previous_(instance().locale_ != nullptr ? uselocale(instance().locale_) : nullptr) {}
+    CLocale() : previous_(c_locale() != nullptr ? uselocale(c_locale()) : nullptr) {}
     ~CLocale() {
         if (previous_ != nullptr) {
             uselocale(previous_);
@@ -23,22 +28,6 @@ class CLocale {
     CLocale& operator=(const CLocale&) = delete;
 
   private:
-    struct Instance {
-        Instance() : locale_(newlocale(LC_ALL_MASK, "C", nullptr)) {}
-        ~Instance() {
-            if (locale_ != nullptr) {
-                freelocale(locale_);
-            }
-        }
-        Instance(const Instance&) = delete;
-        Instance& operator=(const Instance&) = delete;
-        locale_t locale_;
-    };
-    static const Instance& instance() {
-        static const Instance the;
-        return the;
-    }
-
     locale_t previous_;
 };
 

@@ -12,7 +12,7 @@ namespace android {
 class String8 {
   public:
     String8();
-    explicit String8(const char* text);  // a null pointer gives the empty text
+    String8(const char* text);  // a null pointer gives the empty text
     String8(const String8& other);
     String8(String8&& other) noexcept
         : text_(std::exchange(other.text_, nullptr)), length_(std::exchange(other.length_, size_t{0})) {}

@@ -249,7 +249,7 @@ TEST_F(FrameChain, CallsTheModulesOfARouteInOrderWithTheirRecords) {
     EXPECT_EQ(call("den").numbers, (Signal{101, 102, 103, r.den.wideAmount, 0}));
     EXPECT_EQ(call("den").pointers, (Pointers{in.data(), r.den.wideCurve, r.den.bandEnd, r.den.bandStart}));
     EXPECT_EQ(call("tws").pointers, (Pointers{&r.tws, out.data()}));
-    EXPECT_EQ(call("geq").numbers, (Signal{2, 104, 105}));
+    EXPECT_EQ(call("geq").numbers, (Signal{2, kGeqBands, 105}));  // no more than the record holds
     EXPECT_EQ(call("geq").pointers, (Pointers{out.data(), r.geq.bandGainDb, r.geq.bandWarp}));
     EXPECT_EQ(call("vb").numbers, Signal{2});
     EXPECT_EQ(call("vb").pointers, (Pointers{out.data(), &r.vb}));
@@ -267,11 +267,12 @@ TEST_F(FrameChain, CallsTheModulesOfARouteInOrderWithTheirRecords) {
     }
 
     r.vb.boostLin = 2.5f;
+    r.geq.bandCount = 7.0f;
     run(1);
     EXPECT_EQ(names(), (Names{"den", "x2b", "geq", "drc"}));
     EXPECT_EQ(call("x2b").numbers, Signal{3});
     EXPECT_EQ(call("x2b").pointers, (Pointers{&r.x2b, out.data()}));
-    EXPECT_EQ(call("geq").numbers, (Signal{2, 104, 105}));
+    EXPECT_EQ(call("geq").numbers, (Signal{2, 7, 105}));
     EXPECT_EQ(call("drc").numbers, Signal{2});
     const parameterDRC& drc = r.x2b.headphoneDrc;
     EXPECT_EQ(call("drc").pointers,

@@ -86,7 +86,8 @@ void Curve::add_transforms() {
                        std::multiplies<>());
         kiss_fftr(transform_.get(), windowed.data(), bins.data());
         for (size_t k = 0; k < bins.size(); ++k) {
-            power_[k] += std::norm(std::complex<double>(double{bins[k].r}, double{bins[k].i}));
+            power_[k] += std::norm(
+                std::complex<double>(static_cast<double>(bins[k].r), static_cast<double>(bins[k].i)));
         }
         history.erase(history.begin(), history.begin() + kTransform / 2);
     }

@@ -42,6 +42,10 @@ EngineSession::EngineSession(int blockFrames) : blockFrames_(blockFrames) {
     ZOQ_OUTPROC_PLAY_INIT();
     set_processing(false);
     set_route(Route::kSpeaker);
+    // A block of another size, so that the first one of this session is a change of stream even when the last
+    // session had the same: a repeated initialisation alone leaves 2048 sample frames in the queue.
+    int16_t other[4] = {};
+    ZOQ_OUTPROC_PLAY_SAMPLES(other, blockFrames == 1 ? 8 : 4, kEngineRate, 2);
 }
 
 void EngineSession::set(const std::string& keyValuePairs) {

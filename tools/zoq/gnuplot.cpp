@@ -1,83 +1,74 @@
 #include "tools/zoq/gnuplot.h"
 
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <cerrno>
-#include <filesystem>
 
+#include "tools/zoq/descriptor.h"
 #include "tools/zoq/failure.h"
-#include "tools/zoq/interruption.h"
 #include "tools/zoq/output_file.h"
+
+extern char** environ;
 
 namespace zoq {
 
 namespace {
 
-// Starts gnuplot without the user's own start-up files.
-pid_t start(int script, int picture, int messages) {
-    char name[] = "gnuplot", defaults[] = "-d", input[] = "-";
-    char* const arguments[] = {name, defaults, input, nullptr};
+bool ends_with(const std::string& text, const std::string& end) {
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+// Returns gnuplot's exit code, 127 when it isn't installed.
+int run(int script, int picture) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, script, STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, picture, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, messages, STDERR_FILENO);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", 1, 0);
+    char name[] = "gnuplot", defaults[] = "--default-settings";  // not the user's own
+    char* arguments[] = {name, defaults, nullptr};
     pid_t child = 0;
     const int error = posix_spawnp(&child, name, &actions, nullptr, arguments, environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (error == ENOENT) {
-        throw Failure("cannot draw: gnuplot is not installed (Debian's package gnuplot-nox)");
-    }
     if (error != 0) {
-        throw system_failure("cannot start", "gnuplot", error);
+        return 127;
     }
-    return child;
-}
-
-int wait_for(pid_t child) {
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-        if (interrupted()) {
-            kill(child, SIGTERM);
-        }
     }
-    throw_if_interrupted();
-    return status;
-}
-
-std::string first_line(int file) {
-    char text[200];
-    const ssize_t length = pread(file, text, sizeof text, 0);
-    const std::string all(text, length > 0 ? static_cast<size_t>(length) : 0);
-    const size_t start = all.find_first_not_of(" \n");
-    return start == std::string::npos ? "" : all.substr(start, all.find('\n', start) - start);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }
 
 }  // namespace
 
 bool is_picture_path(const std::string& path) {
-    const std::string ending = std::filesystem::path(path).extension();
-    return ending == ".svg" || ending == ".png";
+    return ends_with(path, ".svg") || ends_with(path, ".png");
 }
 
-std::string terminal(const std::string& path, int width, int height) {
-    const bool vector = std::filesystem::path(path).extension() == ".svg";
-    return "set terminal " + std::string(vector ? "svg" : "pngcairo") + " size " + std::to_string(width) +
-           "," + std::to_string(height) + " font 'sans,13' background 'white'\n";
-}
-
-void draw(const std::string& script, const std::string& path) {
-    OutputFile picture(path);
-    const Descriptor input = memory_file(), messages = memory_file();
-    if (const int error = write_fully(input.get(), script.data(), script.size())) {
-        throw system_failure("cannot keep", "a script in memory", error);
+std::string gnuplot_text(const std::string& text) {
+    std::string result = "'";
+    for (const char letter : text) {
+        const bool ends_line = letter == '\n' || letter == '\r';
+        result += letter == '\'' ? "''" : ends_line ? " " : std::string(1, letter);
     }
-    lseek(input.get(), 0, SEEK_SET);
-    const int status = wait_for(start(input.get(), picture.fd(), messages.get()));
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        throw Failure("cannot draw " + picture.name() + ": gnuplot failed: " + first_line(messages.get()));
+    return result + "'";
+}
+
+void draw_with_gnuplot(const std::string& script, int width, int height, const std::string& path) {
+    OutputFile picture(path);
+    const std::string text = std::string("set terminal ") + (ends_with(path, ".svg") ? "svg" : "pngcairo") +
+                             " size " + std::to_string(width) + "," + std::to_string(height) +
+                             " font 'sans,11' background 'white' noenhanced\n" + script;
+    const Descriptor file = memory_file();
+    const int error = write_fully(file.get(), text.data(), text.size());
+    if (error != 0 || lseek(file.get(), 0, SEEK_SET) != 0) {
+        throw Failure("cannot draw " + picture.name() + ": no memory for the data");
+    }
+    const int code = run(file.get(), picture.fd());
+    if (code != 0) {
+        throw Failure("cannot draw " + picture.name() +
+                      (code == 127 ? ": gnuplot is not installed" : ": gnuplot failed"));
     }
     picture.commit();
 }

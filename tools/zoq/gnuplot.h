@@ -1,4 +1,4 @@
-// Pictures by the program gnuplot.
+// Pictures by gnuplot.
 #pragma once
 
 #include <string>
@@ -8,10 +8,11 @@ namespace zoq {
 // Whether a path's ending names a kind of picture that can be drawn: .svg or .png.
 bool is_picture_path(const std::string& path);
 
-// The line that selects the format by the name's ending.
-std::string terminal(const std::string& path, int width, int height);
+// A text as gnuplot takes it, between quotation marks.
+std::string gnuplot_text(const std::string& text);
 
-// Runs a script and writes what it draws into a file, which appears complete or not at all. Throws Failure.
-void draw(const std::string& script, const std::string& path);
+// Runs a script behind "set terminal" for the path's kind, of that size in pixels, and writes the picture to path,
+// complete or not at all. Throws Failure.
+void draw_with_gnuplot(const std::string& script, int width, int height, const std::string& path);
 
 }  // namespace zoq

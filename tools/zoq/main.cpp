@@ -10,9 +10,10 @@
 #include "tools/zoq/descriptor.h"
 #include "tools/zoq/failure.h"
 #include "tools/zoq/interruption.h"
+#include "tools/zoq/measure_command.h"
 #include "tools/zoq/params_command.h"
 #include "tools/zoq/render_command.h"
-#include "tools/zoq/tables_command.h"
+#include "tools/zoq/tables/command.h"
 
 namespace {
 
@@ -73,6 +74,7 @@ int main(int argc, char** argv) {
         app.set_version_flag("--version", "zoq " ZOQ_VERSION);
         app.require_subcommand(1);
         zoq::add_render_command(app);
+        zoq::add_measure_command(app);
         zoq::add_params_command(app);
         zoq::add_config_command(app);
         zoq::add_tables_command(app);

@@ -8,20 +8,14 @@ namespace zoq {
 
 namespace {
 
-// In a gnuplot text between single quotation marks a quotation mark is written twice.
-std::string gnuplot_text(const std::string& text) {
-    std::string result = "'";
-    for (const char c : text) {
-        result += c == '\'' ? "''" : std::string(1, c);
-    }
-    return result + "'";
-}
+constexpr int kWidth = 900;  // pixels
+constexpr int kHeight = 500;
 
 std::string script_of(const Plot& plot) {
     std::ostringstream script;
-    script << "set termoption noenhanced\nset title " << gnuplot_text(plot.title)
-           << "\nset xlabel 'Hz'\nset ylabel " << gnuplot_text(plot.yLabel)
-           << "\nset logscale x\nset grid\nset xrange [" << plot.hz.front() << ":" << plot.hz.back() << "]\n"
+    script << "set title " << gnuplot_text(plot.title) << "\nset xlabel 'Hz'\nset ylabel "
+           << gnuplot_text(plot.yLabel) << "\nset logscale x\nset grid\nset xrange [" << plot.hz.front()
+           << ":" << plot.hz.back() << "]\n"
            << "set xtics (20,50,100,200,500,'1k' 1000,'2k' 2000,'5k' 5000,'10k' 10000,'20k' 20000)\n";
     for (size_t c = 0; c < plot.curves.size(); ++c) {
         script << (c == 0 ? "plot" : ",") << " '-' using 1:2 with lines linewidth 2 title "
@@ -40,7 +34,7 @@ std::string script_of(const Plot& plot) {
 }  // namespace
 
 void draw(const Plot& plot, const std::string& path) {
-    draw(terminal(path, 900, 500) + script_of(plot), path);
+    draw_with_gnuplot(script_of(plot), kWidth, kHeight, path);
 }
 
 }  // namespace zoq

@@ -1,52 +1,15 @@
 #include "tools/zoq/render.h"
 
-#include <charconv>
-#include <cmath>
-
 #include "tools/zoq/audio_input.h"
 #include "tools/zoq/audio_output.h"
 #include "tools/zoq/failure.h"
 #include "tools/zoq/formatted.h"
 #include "tools/zoq/renderer.h"
 #include "tools/zoq/stereo_source.h"
-#include "zoq2processing.h"
 
 namespace zoq {
 
 namespace {
-
-bool is_number(const std::string& text) {
-    double value = 0.0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && stop == end && std::isfinite(value);
-}
-
-// The engine itself ignores what it does not know and reads as far as it can; a person at a keyboard wants to
-// be told.
-void apply_setting(EngineSession& session, const std::string& setting) {
-    const size_t equals = setting.find('=');
-    const std::string key = setting.substr(0, equals);
-    if (equals == std::string::npos || key.empty() || key == android::zoq_switch ||
-        key.find(';') != std::string::npos || session.get(key).empty()) {
-        throw UsageFailure("unknown setting '" + key + "'");
-    }
-    if (!is_number(setting.substr(equals + 1))) {
-        throw UsageFailure("the value of '" + key + "' must be a number");
-    }
-    session.set(setting);
-}
-
-void configure(EngineSession& session, const RenderOptions& options) {
-    for (const std::string& setting : options.settings) {
-        apply_setting(session, setting);
-    }
-    session.set_route(options.route);
-    session.set_processing(!options.bypass);
-    if (options.volume) {
-        session.set_volume(*options.volume);
-    }
-}
 
 void tell_about_input(const AudioInput& input, const Note& note) {
     if (!input.downmix().description().empty()) {
@@ -102,8 +65,9 @@ RenderResult render(const RenderOptions& options, const Note& note) {
         throw Failure("INPUT and OUTPUT are the same file, " + quoted(options.output));
     }
     StereoSource source(input);
-    EngineSession session(options.blockFrames);
-    configure(session, options);
+    EngineSession session(options.engine.blockFrames);
+    apply(options.engine, session);
+    session.set_processing(!options.bypass);
     AudioOutput output(options.output);
     tell_about_input(input, note);
 

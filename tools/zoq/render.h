@@ -10,17 +10,15 @@
 #include "tools/zoq/engine_session.h"
 #include "tools/zoq/level_match.h"
 #include "tools/zoq/loudness.h"
+#include "tools/zoq/settings_options.h"
 #include "tools/zoq/timeline.h"
 
 namespace zoq {
 
 struct RenderOptions {
-    std::string input;   // a file, or "-"
-    std::string output;  // a file ending in .wav or .flac, or "-"
-    Route route = Route::kSpeaker;
-    std::optional<int> volume;          // index; the engine's own 15 otherwise
-    std::vector<std::string> settings;  // "key=value", as in parameter strings
-    int blockFrames = kDefaultBlockFrames;
+    std::string input;                // a file, or "-"
+    std::string output;               // a file ending in .wav or .flac, or "-"
+    EngineSettings engine;            // resolved
     bool bypass = false;              // processing off
     bool asPlayed = false;            // pass-through, fade-in and delay stay in
     bool measure = false;             // loudness and level

@@ -4,12 +4,12 @@
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdio>
-#include <limits>
 #include <memory>
 
 #include "tools/zoq/failure.h"
 #include "tools/zoq/render.h"
 #include "tools/zoq/report.h"
+#include "tools/zoq/settings_options.h"
 
 namespace zoq {
 
@@ -17,8 +17,6 @@ namespace {
 
 struct Command {
     RenderOptions options;
-    std::string route = "speaker";
-    int volume = 0;
     bool quiet = false;
     bool textReport = false;
     bool jsonReport = false;
@@ -45,21 +43,7 @@ void add_files(CLI::App& app, RenderOptions& options) {
 
 void add_engine_options(CLI::App& app, Command& command) {
     RenderOptions& options = command.options;
-    app.add_option("--route", command.route, "speaker (default) or headphone")
-        ->check(CLI::IsMember({"speaker", "headphone"}))
-        ->option_text("ROUTE");
-    app.add_option("--volume", command.volume, "volume index, as of a volume notification (default: 15)")
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
-        ->option_text("INDEX");
-    app.add_option("--set", options.settings,
-                   "one setting as in a parameter string, such as DS_stereoWidth=80; may be repeated")
-        ->expected(1)
-        ->take_all()
-        ->option_text("KEY=VALUE");
-    app.add_option("--block", options.blockFrames,
-                   "sample frames per call, 1 to 18432 (default: 512, a hop: no queue, no short queue)")
-        ->check(CLI::Range(1, kMaxBlockFrames))
-        ->option_text("FRAMES");
+    add_settings_options(app, options.engine);
     app.add_option(
            "--at", options.timeline,
            "settings that change at a time of the input, in seconds: KEY=VALUE;... as with --set, and "
@@ -88,12 +72,9 @@ void print(std::FILE* stream, const std::string& text) {
     }
 }
 
-void run(Command& command, const CLI::App& app) {
+void run(Command& command) {
     RenderOptions& options = command.options;
-    options.route = command.route == "headphone" ? Route::kHeadphone : Route::kSpeaker;
-    if (app.count("--volume") > 0) {
-        options.volume = command.volume;
-    }
+    resolve(options.engine, [](const std::string& message) { throw UsageFailure(message); });
     options.measure = command.textReport || command.jsonReport;
     options.showProgress = !command.quiet;
     const bool quiet = command.quiet;
@@ -117,7 +98,7 @@ void add_render_command(CLI::App& app) {
     add_files(*render, command->options);
     add_engine_options(*render, *command);
     add_report_options(*render, *command);
-    render->callback([command, render] { run(*command, *render); });
+    render->callback([command] { run(*command); });
 }
 
 }  // namespace zoq

@@ -19,10 +19,6 @@ double speed(const RenderResult& result) {
     return result.engineSeconds > 0.0 ? result.playedSeconds / result.engineSeconds : 0.0;
 }
 
-const char* route_name(Route route) {
-    return route == Route::kHeadphone ? "headphone" : "speaker";
-}
-
 std::string row(const char* label, const std::string& value) {
     return formatted("%-16s%s\n", label, value.c_str());
 }
@@ -59,7 +55,7 @@ Json level_object(const Loudness& loudness) {
 
 std::string text_report(const RenderOptions& options, const RenderResult& result) {
     const Latency& delay = result.latency;
-    const std::string route = route_name(options.route);
+    const std::string route = route_name(options.engine.route);
     std::string text = row("input", options.input);
     text += row("format", result.inputFormat);
     text += row("rate", result.inputRate, "Hz");
@@ -67,7 +63,7 @@ std::string text_report(const RenderOptions& options, const RenderResult& result
     text += row("output", options.output);
     text += row("duration", formatted("%.2f s", seconds(result.frames)));
     text += row("route", route + (options.bypass ? ", bypassed" : ""));
-    text += row("block", options.blockFrames, "frames");
+    text += row("block", options.engine.blockFrames, "frames");
     text += row("delay", formatted("%d samples (%.1f ms), %s", delay.total(), 1000.0 * seconds(delay.total()),
                                    options.asPlayed ? "left in" : "taken off"));
     if (result.before && result.after) {
@@ -89,10 +85,10 @@ std::string json_report(const RenderOptions& options, const RenderResult& result
           {"clippedSamples", result.inputClipped}}},
         {"output", {{"file", options.output}, {"rateHz", kEngineRate}, {"frames", result.framesWritten}}},
         {"durationSeconds", seconds(result.frames)},
-        {"route", route_name(options.route)},
+        {"route", route_name(options.engine.route)},
         {"processing", !options.bypass},
         {"asPlayed", options.asPlayed},
-        {"blockFrames", options.blockFrames},
+        {"blockFrames", options.engine.blockFrames},
         {"delaySamples",
          {{"total", delay.total()},
           {"queue", delay.queue},

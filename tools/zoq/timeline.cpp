@@ -1,23 +1,16 @@
 #include "tools/zoq/timeline.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <sstream>
 
 #include "host/settings.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/settings_options.h"
 
 namespace zoq {
 
 namespace {
-
-bool is_number(const std::string& text) {
-    double value = 0.0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && stop == end;
-}
 
 bool is_setting(const std::string& key) {
     const android::Setting* end = android::settings() + android::kSettings;

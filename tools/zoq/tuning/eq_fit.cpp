@@ -5,8 +5,8 @@
 #include <cmath>
 #include <memory>
 
-#include "chain/chain_initialization.h"
 #include "tools/zoq/tuning/eq_design.h"
+#include "zoq2processing.h"
 
 namespace zoq {
 

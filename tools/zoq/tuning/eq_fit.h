@@ -9,7 +9,7 @@
 #include <functional>
 #include <vector>
 
-#include "modules/geq/geq.h"
+#include "zoq2processing.h"
 
 namespace zoq {
 

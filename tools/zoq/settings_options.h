@@ -1,0 +1,45 @@
+// The options that choose what the engine is set to; every command that runs the engine has them.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/zoq/engine_session.h"
+
+namespace CLI {
+class App;
+}
+
+namespace zoq {
+
+struct EngineSettings {
+    Route route = Route::kSpeaker;
+    std::optional<int> volume;          // index; the engine's own 15 otherwise
+    std::vector<std::string> files;     // names of configuration texts
+    std::vector<std::string> settings;  // "key=value;key=value", as in parameter strings; over the texts
+    std::vector<std::string> texts;     // what the files hold, by resolve()
+    int blockFrames = kDefaultBlockFrames;
+};
+
+// --route, --volume, --config, --set and --block.
+void add_settings_options(CLI::App& app, EngineSettings& settings);
+
+// Takes "unknown setting 'DS_stereowidth', did you mean 'DS_stereoWidth'?". If it returns, the setting is
+// left out, which is what the engine does with it.
+using UnknownSetting = std::function<void(const std::string&)>;
+
+// Reads the files and takes the settings apart, to one "key=value" each. Throws UsageFailure for a value that
+// is no number (the engine reads as far as it can), Failure for a file that cannot be read.
+void resolve(EngineSettings& settings, const UnknownSetting& unknown);
+
+// Everything but the processing switch, after resolve(), in any number of sessions.
+void apply(const EngineSettings& settings, EngineSession& session);
+
+// Whether all of a text is a finite number.
+bool is_number(const std::string& text);
+
+const char* route_name(Route route);
+
+}  // namespace zoq
