@@ -1,5 +1,5 @@
 // zoq tables: the report that everything passes, the report that something does not, and the pictures.
-#include "tools/zoq/tables_report.h"
+#include "tools/zoq/tables/report.h"
 
 #include <functional>
 #include <limits>
@@ -8,7 +8,7 @@
 
 #include "tables/head_file.h"
 #include "tests/tools/command.h"
-#include "tools/zoq/tables_records.h"
+#include "tools/zoq/tables/records.h"
 
 using namespace command;
 using namespace zoq::tables;

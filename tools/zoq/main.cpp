@@ -13,7 +13,7 @@
 #include "tools/zoq/measure_command.h"
 #include "tools/zoq/params_command.h"
 #include "tools/zoq/render_command.h"
-#include "tools/zoq/tables_command.h"
+#include "tools/zoq/tables/command.h"
 
 namespace {
 

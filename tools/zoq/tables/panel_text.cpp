@@ -1,4 +1,4 @@
-#include "tools/zoq/gnuplot_text.h"
+#include "tools/zoq/tables/panel_text.h"
 
 #include <cmath>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "tools/zoq/tables_command.h"
+#include "tools/zoq/tables/command.h"
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
@@ -8,10 +8,10 @@
 
 #include "tables/head_file.h"
 #include "tools/zoq/failure.h"
-#include "tools/zoq/tables_import.h"
-#include "tools/zoq/tables_plot.h"
-#include "tools/zoq/tables_records.h"
-#include "tools/zoq/tables_report.h"
+#include "tools/zoq/tables/import.h"
+#include "tools/zoq/tables/pictures.h"
+#include "tools/zoq/tables/records.h"
+#include "tools/zoq/tables/report.h"
 
 namespace zoq {
 

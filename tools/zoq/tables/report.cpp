@@ -1,4 +1,4 @@
-#include "tools/zoq/tables_report.h"
+#include "tools/zoq/tables/report.h"
 
 #include <algorithm>
 #include <cmath>

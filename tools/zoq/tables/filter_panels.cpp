@@ -1,11 +1,11 @@
-#include "tools/zoq/tables_panels.h"
+#include "tools/zoq/tables/panels.h"
 
 #include <algorithm>
 #include <cmath>
 #include <complex>
 
 #include "tables/widening_filters.h"
-#include "tools/zoq/gnuplot_text.h"
+#include "tools/zoq/tables/panel_text.h"
 
 namespace zoq {
 

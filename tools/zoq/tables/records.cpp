@@ -1,4 +1,4 @@
-#include "tools/zoq/tables_records.h"
+#include "tools/zoq/tables/records.h"
 
 #include "zoq2processing.h"
 

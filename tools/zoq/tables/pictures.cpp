@@ -1,11 +1,11 @@
-#include "tools/zoq/tables_plot.h"
+#include "tools/zoq/tables/pictures.h"
 
 #include <filesystem>
 #include <vector>
 
 #include "tools/zoq/failure.h"
 #include "tools/zoq/gnuplot.h"
-#include "tools/zoq/tables_panels.h"
+#include "tools/zoq/tables/panels.h"
 
 namespace zoq {
 
@@ -20,18 +20,18 @@ constexpr char kStyle[] =
     "set key top right opaque noautotitle samplen 2\n";
 
 // Panels from left to right, then downward.
-std::string script(const std::vector<Panel>& panels, int columns, const std::string& path) {
+void draw(const std::vector<Panel>& panels, int columns, const std::string& path) {
     const int count = static_cast<int>(panels.size()), rows = (count + columns - 1) / columns;
     std::string text;
     for (const Panel& panel : panels) {
         text += panel.data;
     }
-    text += terminal(path, columns * kPanelWidth, rows * kPanelHeight);
-    text += "set multiplot layout " + std::to_string(rows) + "," + std::to_string(columns) + "\n";
+    text += "set termoption font 'sans,13'\nset multiplot layout " + std::to_string(rows) + "," +
+            std::to_string(columns) + "\n";
     for (const Panel& panel : panels) {
         text += "reset\n" + std::string(kStyle) + panel.commands;
     }
-    return text + "unset multiplot\n";
+    draw_with_gnuplot(text + "unset multiplot\n", columns * kPanelWidth, rows * kPanelHeight, path);
 }
 
 struct Picture {
@@ -65,7 +65,7 @@ void plot_tables(const tables::Records& records, const std::string& path) {
         }
         for (const Picture& picture : pictures(records)) {
             const std::string file = std::filesystem::path(path) / (std::string(picture.name) + ".svg");
-            draw(script(picture.panels, picture.columns, file), file);
+            draw(picture.panels, picture.columns, file);
         }
         return;
     }
@@ -73,7 +73,7 @@ void plot_tables(const tables::Records& records, const std::string& path) {
     for (const Picture& picture : pictures(records)) {
         all.insert(all.end(), picture.panels.begin(), picture.panels.end());
     }
-    draw(script(all, 2, path), path);
+    draw(all, 2, path);
 }
 
 }  // namespace zoq

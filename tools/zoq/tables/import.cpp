@@ -1,4 +1,4 @@
-#include "tools/zoq/tables_import.h"
+#include "tools/zoq/tables/import.h"
 
 #include <filesystem>
 

@@ -1,8 +1,8 @@
 #include <string>
 
 #include "tables/room_responses.h"
-#include "tools/zoq/gnuplot_text.h"
-#include "tools/zoq/tables_panels.h"
+#include "tools/zoq/tables/panel_text.h"
+#include "tools/zoq/tables/panels.h"
 
 namespace zoq {
 
