@@ -99,6 +99,7 @@ TEST_F(TimelineTest, LevelMatchedInputIsAsLoudAsTheOutput) {
         gain,
         report["after"]["integratedLufs"].get<double>() - report["before"]["integratedLufs"].get<double>(),
         0.02);
+    EXPECT_NEAR(report["levelMatch"]["gainDb"].get<double>(), gain, 0.02);
     const auto again = nlohmann::json::parse(render("dry.wav again.wav --bypass --json").out);
     EXPECT_NEAR(again["before"]["integratedLufs"].get<double>(),
                 report["after"]["integratedLufs"].get<double>(), 0.05);
@@ -109,8 +110,10 @@ TEST_F(TimelineTest, LevelMatchedInputIsAsLoudAsTheOutput) {
         "loud.wav out.wav --route headphone --set 'Headphone_EQ_1khzgain=12;Headphone_CompressionGain=100' "
         "--level-match dry.wav");
     ASSERT_EQ(clipping.code, 0) << clipping.err;
+    const Sound clipped = read("dry.wav");
     EXPECT_EQ(clipping.err.find("clip at that level") != std::string::npos,
-              *std::max_element(read("dry.wav").values.begin(), read("dry.wav").values.end()) == 32767);
+              *std::max_element(clipped.values.begin(), clipped.values.end()) == 32767)
+        << clipping.err;
     EXPECT_EQ(render("in.wav out.wav --level-match in.wav").code, 1);
     EXPECT_EQ(render("in.wav out.wav --level-match out.wav").code, 2);
     EXPECT_EQ(shell("zoq render - out.wav --level-match dry.wav < in.wav").code, 2);
