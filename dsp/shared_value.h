@@ -5,6 +5,8 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
+#include <type_traits>
 
 namespace android {
 
@@ -18,6 +20,15 @@ template <typename Word>
 void store_shared(Word& word, Word value) {
     static_assert(sizeof(Word) == 4);
     std::atomic_ref<Word>(word).store(value, std::memory_order_relaxed);
+}
+
+// A whole record of floats, word by word.
+template <typename Record>
+void store_shared_floats(Record& record, const Record& contents) {
+    static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) % sizeof(float) == 0);
+    for (size_t i = 0; i < sizeof(Record) / sizeof(float); ++i) {
+        store_shared(reinterpret_cast<float*>(&record)[i], reinterpret_cast<const float*>(&contents)[i]);
+    }
 }
 
 }  // namespace android

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dsp/poison.h"
+#include "dsp/shared_value.h"
 
 namespace android {
 
@@ -63,7 +64,7 @@ void reset_if_poisoned() {
 }  // namespace
 
 void factory_contents(parameterEQ* record) {
-    *record = kFactory;
+    store_shared_floats(*record, kFactory);
 }
 
 void equalization_peak(float* io, float channels, float peakSectionCount, const float* peakSos,

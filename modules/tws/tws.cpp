@@ -4,6 +4,7 @@
 
 #include "dsp/complex.h"
 #include "dsp/fft.h"
+#include "dsp/shared_value.h"
 #include "modules/tws/tws_tables.h"
 
 namespace android {
@@ -73,7 +74,7 @@ void blend_with_direct(const float* in, float delay, float gain, float* out) {
 
 void factory_contents(parameterTWS* record) {
     record->widthGain = 1.0f;
-    record->stereoWidth = 1.0f;
+    store_shared(record->stereoWidth, 1.0f);
     record->directDelay = kDirectDelay;
     std::copy(kSameSideFilter, kSameSideFilter + kBins, record->sameSideFilter);
     std::copy(kCrossFeedFilter, kCrossFeedFilter + kBins, record->crossFeedFilter);
