@@ -168,6 +168,15 @@ TEST(AudioParameter, TakesLongTexts) {
         repeated += "k=" + std::to_string(repeated.size()) + ";;j=\x01\x7f\r\n;";
     }
     EXPECT_EQ(normalised(repeated + "k=last"), "j=\x01\x7f\r\n;k=last");
+    // Distinct keys in falling order, each given twice: a store that moves all for each would need minutes.
+    std::string falling, rising;
+    for (int key = 99999; key >= 0; --key) {
+        falling += std::to_string(100000 + key) + "=old;" + std::to_string(100000 + key) + "=n;";
+    }
+    for (int key = 0; key < 100000; ++key) {
+        rising += std::to_string(100000 + key) + (key < 99999 ? "=n;" : "=n");
+    }
+    EXPECT_TRUE(normalised(falling) == rising);
 }
 
 TEST(AudioParameter, KeepsTheKeyNamesHostsUse) {
