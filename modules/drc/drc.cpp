@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "dsp/grid.h"
+#include "dsp/poison.h"
 
 namespace android {
 
@@ -31,6 +32,10 @@ constexpr float kStartLevelDb = -50.0f;
 constexpr float kLogFloor = 1e-10f;  // keeps the level of silence finite: -200 dB
 constexpr double kReductionFloor = 1e-16;
 constexpr double kClip = 0.999;
+
+// No memory gets there: levels begin at -200 dB and end where samples would be poison, at 240 dB; reductions of
+// them are smaller, at 21 dB of make-up below 0.95 x (240 + 27) dB.
+constexpr float kPoisonedDb = 255.0f;
 
 // The stronger the compression, the harder the ratio and the quicker the response.
 struct Bracket {
@@ -213,6 +218,13 @@ void apply_and_clip(const float* gain, float* x) {
     }
 }
 
+void reset_if_poisoned() {
+    if (is_poisoned(state.channel, kPoisonedDb)) {
+        state_not_empty_init();
+        ++poisonResets;
+    }
+}
+
 }  // namespace
 
 void factory_contents(parameterDRC* record) {
@@ -265,6 +277,7 @@ void dynamicRangeCompression_LC(float* io, float channels, const float* firstSta
     for (int c = 0; c < count; ++c) {
         apply_and_clip(gain, io + c * kHopSamples);
     }
+    reset_if_poisoned();
 }
 
 void state_not_empty_init() {

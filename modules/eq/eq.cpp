@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "dsp/poison.h"
+
 namespace android {
 
 namespace {
@@ -51,6 +53,13 @@ void filter_repeatedly(int passes, const float* sos, float* io, Delays& delays) 
     }
 }
 
+void reset_if_poisoned() {
+    if (is_poisoned(state, kPoisonedSample)) {
+        equalization_peak_init();
+        ++poisonResets;
+    }
+}
+
 }  // namespace
 
 void factory_contents(parameterEQ* record) {
@@ -70,6 +79,7 @@ void equalization_peak(float* io, float channels, float peakSectionCount, const 
         }
         filter_repeatedly(passes, finalSos, hop, state[c].finalPass);
     }
+    reset_if_poisoned();
 }
 
 void equalization_peak_init() {

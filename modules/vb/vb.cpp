@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dsp/grid.h"
+#include "dsp/poison.h"
 #include "dsp/shared_value.h"
 #include "modules/vb/vb_tables.h"
 
@@ -145,6 +146,13 @@ void add_bass(const parameterVB& p, const float* bass, float* io, Delays* inputD
     }
 }
 
+void reset_if_poisoned() {
+    if (is_poisoned(state, kPoisonedSample)) {
+        virtualbassFunction_monoLC_init();
+        ++poisonResets;
+    }
+}
+
 }  // namespace
 
 void factory_contents(float cutoffHz, parameterVB* record) {
@@ -171,6 +179,7 @@ void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* pa
         filter_matrix(p.outputHighpassSos, p.outputHighpassSections, io + kHopSamples,
                       state.outputHighpass[1]);
     }
+    reset_if_poisoned();
 }
 
 void virtualbassFunction_monoLC_init() {
