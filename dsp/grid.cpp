@@ -2,7 +2,21 @@
 
 #include <cmath>
 
+#include "dsp/kernel_level.h"
+
 namespace android {
+
+namespace scalar {
+
+void sum(const float* x, float* y) {
+    for (int i = 0; i < kHopSamples; ++i) {
+        y[i] = x[i] + x[kHopSamples + i];
+    }
+}
+
+}  // namespace scalar
+
+ZOQ_KERNEL(sum, const float* x, float* y);
 
 namespace {
 
@@ -59,9 +73,7 @@ void d_abs(const float* x, float* y) {
 }
 
 void sum(const float* x, float* y) {
-    for (int i = 0; i < kHopSamples; ++i) {
-        y[i] = x[i] + x[kHopSamples + i];
-    }
+    sum_kernel.run({{y, kHopSamples * sizeof(float)}}, x, y);
 }
 
 float rdivide(float a, float b) {

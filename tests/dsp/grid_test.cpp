@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/kernel_levels.h"
 #include "tests/support/signals.h"
 
 using namespace android;
@@ -81,6 +82,21 @@ TEST(Grid, ElementWiseRoutines) {
     d_abs(negative, negative);
     EXPECT_FALSE(std::signbit(negative[0]));
     EXPECT_EQ(negative[1], INFINITY);
+}
+
+TEST(Grid, EveryLevelGivesTheSameBits) {
+    Floats x = signals::noise(4, 2 * kHop);
+    std::fill_n(x.begin() + 7, 40, -0.0f);
+    std::fill_n(x.begin() + kHop + 3, 20, -0.0f);
+    x[1] = x[kHop + 1] = 3e38f;
+    x[2] = INFINITY;
+    x[kHop + 2] = -INFINITY;
+    kernels::expect_same_bits([&] { return run(kHop, [&](float* y) { sum(x.data(), y); }); });
+    kernels::expect_same_bits([&] {
+        Floats inPlace = x;
+        sum(inPlace.data(), inPlace.data());
+        return inPlace;
+    });
 }
 
 }  // namespace

@@ -1,0 +1,146 @@
+// Vectors of ZOQ_LANES floats for the fast kernels; the only place that knows how compilers and processors do them.
+//
+// A <name>_lanes.cpp is built once for each of 4, 8 and 16 lanes, into the namespace ZOQ_LEVEL (lanes4, ...). Nothing
+// here contracts, reorders or approximates: every operation is the scalar one in each lane. A kernel object must not
+// define a function that the linker could hand to other code, because a lesser processor could not run it: everything
+// here and in the kernels is inlined or local to its file.
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#ifndef ZOQ_LANES
+#define ZOQ_LANES 4  // for a look at this header alone
+#endif
+
+#define ZOQ_PASTE_(a, b) a##b
+#define ZOQ_PASTE(a, b)  ZOQ_PASTE_(a, b)
+#define ZOQ_LEVEL        ZOQ_PASTE(lanes, ZOQ_LANES)
+#define ZOQ_INLINE       [[gnu::always_inline]] static inline
+
+#if defined(__ARM_NEON) && !defined(__aarch64__)
+#include <arm_neon.h>
+#define ZOQ_NEON32
+#endif
+
+namespace android::ZOQ_LEVEL {
+
+constexpr int kLanes = ZOQ_LANES;
+
+// One integer per lane; as a mask all bits of a lane are set or none.
+typedef int32_t IntLanes __attribute__((vector_size(4 * kLanes)));
+typedef float FloatVector __attribute__((vector_size(4 * kLanes)));
+
+#ifdef ZOQ_NEON32
+// GCC computes its generic vectors lane by lane here, because this unit always flushes subnormals; so does the engine.
+struct Lanes {
+    float32x4_t v;
+};
+ZOQ_INLINE Lanes operator+(Lanes a, Lanes b) {
+    return {vaddq_f32(a.v, b.v)};
+}
+ZOQ_INLINE Lanes operator-(Lanes a, Lanes b) {
+    return {vsubq_f32(a.v, b.v)};
+}
+ZOQ_INLINE Lanes operator*(Lanes a, Lanes b) {
+    return {vmulq_f32(a.v, b.v)};
+}
+ZOQ_INLINE Lanes operator-(Lanes a) {
+    return {vnegq_f32(a.v)};
+}
+ZOQ_INLINE Lanes load(const float* x) {
+    return {vld1q_f32(x)};
+}
+ZOQ_INLINE void store(float* y, Lanes a) {
+    vst1q_f32(y, a.v);
+}
+ZOQ_INLINE Lanes broadcast(float x) {
+    return {vdupq_n_f32(x)};
+}
+ZOQ_INLINE IntLanes less(Lanes a, Lanes b) {
+    return IntLanes(vcltq_f32(a.v, b.v));
+}
+// a + b * c and a - b * c, the product rounded before the sum.
+ZOQ_INLINE Lanes add_product(Lanes a, Lanes b, Lanes c) {
+    return {vmlaq_f32(a.v, b.v, c.v)};
+}
+ZOQ_INLINE Lanes subtract_product(Lanes a, Lanes b, Lanes c) {
+    return {vmlsq_f32(a.v, b.v, c.v)};
+}
+ZOQ_INLINE FloatVector vector_of(Lanes a) {
+    return FloatVector(a.v);
+}
+ZOQ_INLINE Lanes lanes_of(FloatVector v) {
+    return {float32x4_t(v)};
+}
+#else
+using Lanes = FloatVector;
+
+namespace unaligned {
+typedef float Floats __attribute__((vector_size(4 * kLanes), aligned(4), may_alias));
+}
+ZOQ_INLINE Lanes load(const float* x) {
+    return *reinterpret_cast<const unaligned::Floats*>(x);
+}
+ZOQ_INLINE void store(float* y, Lanes a) {
+    *reinterpret_cast<unaligned::Floats*>(y) = a;
+}
+ZOQ_INLINE Lanes broadcast(float x) {
+    return x - Lanes{};  // of either zero, too
+}
+ZOQ_INLINE IntLanes less(Lanes a, Lanes b) {
+    return a < b;
+}
+ZOQ_INLINE Lanes add_product(Lanes a, Lanes b, Lanes c) {
+    return a + b * c;
+}
+ZOQ_INLINE Lanes subtract_product(Lanes a, Lanes b, Lanes c) {
+    return a - b * c;
+}
+ZOQ_INLINE FloatVector vector_of(Lanes a) {
+    return a;
+}
+ZOQ_INLINE Lanes lanes_of(FloatVector v) {
+    return v;
+}
+#endif
+
+ZOQ_INLINE Lanes select(IntLanes mask, Lanes a, Lanes b) {
+    return lanes_of(mask ? vector_of(a) : vector_of(b));
+}
+
+// Lane i of the result is lane I[i] of a, or from kLanes on lane I[i] - kLanes of b.
+template <int... I>
+ZOQ_INLINE Lanes shuffle(Lanes a, Lanes b) {
+    return lanes_of(__builtin_shufflevector(vector_of(a), vector_of(b), I...));
+}
+
+using LaneIndices = std::make_integer_sequence<int, kLanes>;
+
+// 0, 1, 2, ...
+template <int... I>
+ZOQ_INLINE IntLanes lane_numbers(std::integer_sequence<int, I...>) {
+    return IntLanes{I...};
+}
+ZOQ_INLINE IntLanes lane_numbers() {
+    return lane_numbers(LaneIndices());
+}
+
+template <int... I>
+ZOQ_INLINE Lanes reverse(Lanes a, std::integer_sequence<int, I...>) {
+    return shuffle<(kLanes - 1 - I)...>(a, a);
+}
+ZOQ_INLINE Lanes reverse(Lanes a) {
+    return reverse(a, LaneIndices());
+}
+
+// Rotates upward by one lane: lane i + 1 receives lane i, lane 0 what the last one held.
+template <int... I>
+ZOQ_INLINE Lanes rotate_up(Lanes a, std::integer_sequence<int, I...>) {
+    return shuffle<((I + kLanes - 1) % kLanes)...>(a, a);
+}
+ZOQ_INLINE Lanes rotate_up(Lanes a) {
+    return rotate_up(a, LaneIndices());
+}
+
+}  // namespace android::ZOQ_LEVEL
