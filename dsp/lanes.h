@@ -143,4 +143,35 @@ ZOQ_INLINE Lanes rotate_up(Lanes a) {
     return rotate_up(a, LaneIndices());
 }
 
+// Lane i receives lane i + 2; what the two highest lanes hold is not specified.
+template <int... I>
+ZOQ_INLINE Lanes down_by_two(Lanes a, std::integer_sequence<int, I...>) {
+    return shuffle<(I + 2) % kLanes...>(a, a);
+}
+ZOQ_INLINE Lanes down_by_two(Lanes a) {
+    return down_by_two(a, LaneIndices());
+}
+
+// Lanes kFirst and kFirst + 1, kFirst even, become x and y.
+template <int kFirst, int... I>
+ZOQ_INLINE Lanes with_pair(Lanes a, float x, float y, std::integer_sequence<int, I...>) {
+    if constexpr (kLanes == 4) {  // one shuffle after x and y have met
+        const Lanes pair = lanes_of(FloatVector{x, y});
+        return shuffle<(I / 2 == kFirst / 2 ? I % 2 + kLanes : I)...>(a, pair);
+    } else {
+        const Lanes first = shuffle<(I == kFirst ? I + kLanes : I)...>(a, broadcast(x));
+        return shuffle<(I == kFirst + 1 ? I + kLanes : I)...>(first, broadcast(y));
+    }
+}
+template <int kFirst>
+ZOQ_INLINE Lanes with_pair(Lanes a, float x, float y) {
+    return with_pair<kFirst>(a, x, y, LaneIndices());
+}
+
+// Lane 0 to x, lane 1 to y.
+ZOQ_INLINE void store_pair(float* x, float* y, Lanes a) {
+    *x = vector_of(a)[0];
+    *y = vector_of(a)[1];
+}
+
 }  // namespace android::ZOQ_LEVEL

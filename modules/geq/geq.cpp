@@ -20,15 +20,10 @@ constexpr parameterGEQ kFactory = {
 // A gain no setting is likely to hold, so that the first call after a reset designs every band.
 constexpr float kNoGainDb = -100.0f;
 
-struct Section {
-    float b[3], a[3];
-};
-
 struct State {
-    float lastGainDb[kGeqMaxBands];  // reset: -100
-    Section bands[kGeqMaxBands];     // survives a reset
-    Delays left[kGeqMaxBands];       // reset: 0
-    Delays right[kGeqMaxBands];      // reset: 0
+    float lastGainDb[kGeqMaxBands];           // reset: -100
+    SectionCoefficients bands[kGeqMaxBands];  // survives a reset
+    StereoDelays delays[kGeqMaxBands];        // reset: 0
 };
 
 State state;
@@ -40,11 +35,6 @@ void redesign_changed_bands(int bands, const float* gainDb, float Q, const float
         }
         state.lastGainDb[k] = gainDb[k];
     }
-}
-
-// The filter normalises its coefficients in place, so it gets copies.
-void filter_band(Section section, float* io, Delays& delays) {
-    filter(section.b, section.a, io, delays.z, io, delays.z);
 }
 
 }  // namespace
@@ -84,22 +74,19 @@ void graphicalEQ(float* io, float channels, float bandCount, const float* bandGa
                  const float* bandWarp) {
     const int bands = count_within(bandCount, kGeqMaxBands);
     redesign_changed_bands(bands, bandGainDb, bandQ, bandWarp);
+    Cascade cascade(channels == 2.0f ? 2 : 1);
     for (int k = 0; k < bands; ++k) {
-        if (bandGainDb[k] == 0.0f) {
-            continue;
-        }
-        filter_band(state.bands[k], io, state.left[k]);
-        if (channels == 2.0f) {
-            filter_band(state.bands[k], io + kHopSamples, state.right[k]);
+        if (bandGainDb[k] != 0.0f) {
+            cascade.append(state.bands[k], state.delays[k]);
         }
     }
+    cascade.run(io);
 }
 
 void graphicalEQ_init() {
     for (int k = 0; k < kGeqMaxBands; ++k) {
         state.lastGainDb[k] = kNoGainDb;
-        state.left[k] = {};
-        state.right[k] = {};
+        state.delays[k] = {};
     }
 }
 

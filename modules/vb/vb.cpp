@@ -40,13 +40,13 @@ constexpr int kDefaultSet = 4;       // 120 Hz
 constexpr float kLogFloor = 1e-10f;  // keeps the logarithm of silence finite: -200 dB
 
 struct State {
-    Delays lowpass[kMaxSections];                       // reset: 0
-    Delays bandHighpass[kMaxSections];                  // reset: 0
-    Delays harmonicLowpass[kMaxSections];               // reset: 0
-    Delays inputHighpass[kMaxChannels][kMaxSections];   // reset: 0
-    Delays outputHighpass[kMaxChannels][kMaxSections];  // reset: 0
-    float fast, slow;                                   // envelopes; reset: 0
-    float gain;                                         // smoothed; reset: 1
+    StereoDelays lowpass[kMaxSections];          // reset: 0
+    StereoDelays bandHighpass[kMaxSections];     // reset: 0
+    StereoDelays harmonicLowpass[kMaxSections];  // reset: 0
+    StereoDelays inputHighpass[kMaxSections];    // reset: 0
+    StereoDelays outputHighpass[kMaxSections];   // reset: 0
+    float fast, slow;                            // envelopes; reset: 0
+    float gain;                                  // smoothed; reset: 1
 };
 
 constexpr State kReset = {
@@ -122,10 +122,18 @@ void smooth_and_boost(const parameterVB& p, const float* gain, float& last, floa
     last = smoothed;
 }
 
+void filter_by(const float* sos, float sectionCount, StereoDelays* delays, int channels, float* io) {
+    Cascade cascade(channels);
+    cascade.append_matrix(sos, sectionCount, delays);
+    cascade.run(io);
+}
+
 // From the mono hop's bass band to what is added to every channel, in place.
 void process_bass(const parameterVB& p, float* bass) {
-    filter_matrix(p.lowpassSos, p.lowpassSections, bass, state.lowpass);
-    filter_matrix(p.bandHighpassSos, p.bandHighpassSections, bass, state.bandHighpass);
+    Cascade band(1);
+    band.append_matrix(p.lowpassSos, p.lowpassSections, state.lowpass);
+    band.append_matrix(p.bandHighpassSos, p.bandHighpassSections, state.bandHighpass);
+    band.run(bass);
     float harmonics[kGridPoints], envelope[kGridPoints], fast[kGridPoints], slow[kGridPoints],
         gain[kGridPoints];
     generate_harmonics(bass, p.harmonicGain, harmonics);
@@ -135,13 +143,15 @@ void process_bass(const parameterVB& p, float* bass) {
     compute_gain(p, fast, slow, gain);
     smooth_and_boost(p, gain, state.gain, harmonics);
     interp1_fac3(harmonics, bass);
-    filter_matrix(p.harmonicLowpassSos, p.harmonicLowpassSections, bass, state.harmonicLowpass);
+    filter_by(p.harmonicLowpassSos, p.harmonicLowpassSections, state.harmonicLowpass, 1, bass);
 }
 
-void add_bass(const parameterVB& p, const float* bass, float* io, Delays* inputDelays) {
-    filter_matrix(p.inputHighpassSos, p.inputHighpassSections, io, inputDelays);
-    for (int i = 0; i < kHopSamples; ++i) {
-        io[i] = io[i] + bass[i];
+void add_bass(const float* bass, int channels, float* io) {
+    for (int c = 0; c < channels; ++c) {
+        float* hop = io + c * kHopSamples;
+        for (int i = 0; i < kHopSamples; ++i) {
+            hop[i] = hop[i] + bass[i];
+        }
     }
 }
 
@@ -163,14 +173,12 @@ void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* pa
     mix_to_mono(io, channels, bass);
     process_bass(p, bass);
     const int count = count_within(channels, kMaxChannels);
-    for (int c = 0; c < count; ++c) {
-        add_bass(p, bass, io + c * kHopSamples, state.inputHighpass[c]);
+    if (count > 0) {
+        filter_by(p.inputHighpassSos, p.inputHighpassSections, state.inputHighpass, count, io);
+        add_bass(bass, count, io);
     }
-    filter_matrix(p.outputHighpassSos, p.outputHighpassSections, io, state.outputHighpass[0]);
-    if (channels == 2.0f) {
-        filter_matrix(p.outputHighpassSos, p.outputHighpassSections, io + kHopSamples,
-                      state.outputHighpass[1]);
-    }
+    filter_by(p.outputHighpassSos, p.outputHighpassSections, state.outputHighpass, channels == 2.0f ? 2 : 1,
+              io);
 }
 
 void virtualbassFunction_monoLC_init() {
