@@ -14,9 +14,31 @@ void sum(const float* x, float* y) {
     }
 }
 
+void interp1_fac3(const float* x, float* y) {
+    constexpr float kThird = 1.0f / 3.0f;
+    constexpr int kLast = kGridPoints - 1;
+    for (int k = 0; k < kLast; ++k) {
+        y[kGridStep * k] = x[k];
+        y[kGridStep * k + 1] = (2.0f * x[k] + x[k + 1]) * kThird;
+        y[kGridStep * k + 2] = (2.0f * x[k + 1] + x[k]) * kThird;
+    }
+    // The hop ends one sample before the extrapolated point itself.
+    const float beyond = x[kLast] + (x[kLast] - x[kLast - 1]);
+    y[kGridStep * kLast] = x[kLast];
+    y[kGridStep * kLast + 1] = (2.0f * x[kLast] + beyond) * kThird;
+}
+
+void add_scaled(const float* x, float gain, int count, float* y) {
+    for (int i = 0; i < count; ++i) {
+        y[i] = y[i] + gain * x[i];
+    }
+}
+
 }  // namespace scalar
 
 ZOQ_KERNEL(sum, const float* x, float* y);
+ZOQ_KERNEL(interp1_fac3, const float* x, float* y);
+ZOQ_KERNEL(add_scaled, const float* x, float gain, int count, float* y);
 
 namespace {
 
@@ -47,17 +69,11 @@ void b_log10(float* x) {
 }
 
 void interp1_fac3(const float* x, float* y) {
-    constexpr float kThird = 1.0f / 3.0f;
-    constexpr int kLast = kGridPoints - 1;
-    for (int k = 0; k < kLast; ++k) {
-        y[kGridStep * k] = x[k];
-        y[kGridStep * k + 1] = (2.0f * x[k] + x[k + 1]) * kThird;
-        y[kGridStep * k + 2] = (2.0f * x[k + 1] + x[k]) * kThird;
-    }
-    // The hop ends one sample before the extrapolated point itself.
-    const float beyond = x[kLast] + (x[kLast] - x[kLast - 1]);
-    y[kGridStep * kLast] = x[kLast];
-    y[kGridStep * kLast + 1] = (2.0f * x[kLast] + beyond) * kThird;
+    interp1_fac3_kernel.run({{y, kHopSamples * sizeof(float)}}, x, y);
+}
+
+void add_scaled(const float* x, float gain, int count, float* y) {
+    add_scaled_kernel.run({{y, size_t(count) * sizeof(float)}}, x, gain, count, y);
 }
 
 void b_abs(const float* x, float* y) {

@@ -18,6 +18,13 @@
 #define ZOQ_LEVEL        ZOQ_PASTE(lanes, ZOQ_LANES)
 #define ZOQ_INLINE       [[gnu::always_inline]] static inline
 
+// In front of a loop over an array that is meant to stay in registers.
+#ifdef __clang__
+#define ZOQ_UNROLL _Pragma("unroll")
+#else
+#define ZOQ_UNROLL _Pragma("GCC unroll 16")
+#endif
+
 #if defined(__ARM_NEON) && !defined(__aarch64__)
 #include <arm_neon.h>
 #define ZOQ_NEON32
@@ -57,8 +64,19 @@ ZOQ_INLINE void store(float* y, Lanes a) {
 ZOQ_INLINE Lanes broadcast(float x) {
     return {vdupq_n_f32(x)};
 }
+// This unit has neither division nor square root; the scalar one has both.
+ZOQ_INLINE Lanes operator/(Lanes a, Lanes b) {
+    return {float32x4_t{a.v[0] / b.v[0], a.v[1] / b.v[1], a.v[2] / b.v[2], a.v[3] / b.v[3]}};
+}
+ZOQ_INLINE Lanes square_root(Lanes a) {
+    return {float32x4_t{__builtin_sqrtf(a.v[0]), __builtin_sqrtf(a.v[1]), __builtin_sqrtf(a.v[2]),
+                        __builtin_sqrtf(a.v[3])}};
+}
 ZOQ_INLINE IntLanes less(Lanes a, Lanes b) {
     return IntLanes(vcltq_f32(a.v, b.v));
+}
+ZOQ_INLINE IntLanes at_most(Lanes a, Lanes b) {
+    return IntLanes(vcleq_f32(a.v, b.v));
 }
 // a + b * c and a - b * c, the product rounded before the sum.
 ZOQ_INLINE Lanes add_product(Lanes a, Lanes b, Lanes c) {
@@ -91,6 +109,9 @@ ZOQ_INLINE Lanes broadcast(float x) {
 ZOQ_INLINE IntLanes less(Lanes a, Lanes b) {
     return a < b;
 }
+ZOQ_INLINE IntLanes at_most(Lanes a, Lanes b) {
+    return a <= b;
+}
 ZOQ_INLINE Lanes add_product(Lanes a, Lanes b, Lanes c) {
     return a + b * c;
 }
@@ -107,6 +128,10 @@ ZOQ_INLINE Lanes lanes_of(FloatVector v) {
 
 ZOQ_INLINE Lanes select(IntLanes mask, Lanes a, Lanes b) {
     return lanes_of(mask ? vector_of(a) : vector_of(b));
+}
+
+ZOQ_INLINE Lanes absolute(Lanes a) {
+    return lanes_of(FloatVector(IntLanes(vector_of(a)) & 0x7FFFFFFF));
 }
 
 // Lane i of the result is lane I[i] of a, or from kLanes on lane I[i] - kLanes of b.
@@ -173,5 +198,45 @@ ZOQ_INLINE void store_pair(float* x, float* y, Lanes a) {
     *x = vector_of(a)[0];
     *y = vector_of(a)[1];
 }
+
+// Three vectors that hold, between them, 3 kLanes values next to one another: every third, beginning with the first,
+// the second and the third.
+struct Thirds {
+    Lanes v[3];
+};
+
+#ifdef ZOQ_NEON32
+ZOQ_INLINE Thirds load_thirds(const float* x) {
+    const float32x4x3_t t = vld3q_f32(x);
+    return {{{t.val[0]}, {t.val[1]}, {t.val[2]}}};
+}
+ZOQ_INLINE void store_thirds(float* y, Thirds t) {
+    vst3q_f32(y, {{t.v[0].v, t.v[1].v, t.v[2].v}});
+}
+#else
+// Value 3 I + kFirst of a, b and c in a row.
+template <int kFirst, int... I>
+ZOQ_INLINE Lanes every_third(Lanes a, Lanes b, Lanes c, std::integer_sequence<int, I...>) {
+    const Lanes ab = shuffle<(3 * I + kFirst < 2 * kLanes ? 3 * I + kFirst : 0)...>(a, b);
+    return shuffle<(3 * I + kFirst < 2 * kLanes ? I : 3 * I + kFirst - kLanes)...>(ab, c);
+}
+ZOQ_INLINE Thirds load_thirds(const float* x) {
+    const Lanes a = load(x), b = load(x + kLanes), c = load(x + 2 * kLanes);
+    return {{every_third<0>(a, b, c, LaneIndices()), every_third<1>(a, b, c, LaneIndices()),
+             every_third<2>(a, b, c, LaneIndices())}};
+}
+// Values kFirst + I of all, in the order of the row.
+template <int kFirst, int... I>
+ZOQ_INLINE Lanes in_a_row(Thirds t, std::integer_sequence<int, I...>) {
+    const Lanes ab =
+        shuffle<((kFirst + I) % 3 * kLanes + (kFirst + I) / 3) % (2 * kLanes)...>(t.v[0], t.v[1]);
+    return shuffle<((kFirst + I) % 3 == 2 ? kLanes + (kFirst + I) / 3 : I)...>(ab, t.v[2]);
+}
+ZOQ_INLINE void store_thirds(float* y, Thirds t) {
+    store(y, in_a_row<0>(t, LaneIndices()));
+    store(y + kLanes, in_a_row<kLanes>(t, LaneIndices()));
+    store(y + 2 * kLanes, in_a_row<2 * kLanes>(t, LaneIndices()));
+}
+#endif
 
 }  // namespace android::ZOQ_LEVEL

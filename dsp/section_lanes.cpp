@@ -111,7 +111,7 @@ template <bool kEdge, int kSections>
 ZOQ_INLINE void step(Wavefront<kSections>& w, float left, float right, int t) {
     using L = Layout<kSections>;
     const Lanes leaving = w.v[L::kVectors - 1].out;
-#pragma GCC unroll 8
+    ZOQ_UNROLL
     for (int k = L::kVectors - 1; k > 0; --k) {
         advance<kEdge>(w.v[k], w.v[k - 1].out, t);
     }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "dsp/grid.h"
+
 namespace android {
 
 namespace {
@@ -41,9 +43,7 @@ void boost_treble(float sectionCount, const float* sos, float gain, int channels
     float treble[2 * kHopSamples];
     std::copy_n(io, channels * kHopSamples, treble);
     filter_by(sos, sectionCount, state.treble, channels, treble);
-    for (int i = 0; i < channels * kHopSamples; ++i) {
-        io[i] = io[i] + gain * treble[i];
-    }
+    add_scaled(treble, gain, channels * kHopSamples, io);
 }
 
 void filter_repeatedly(int passes, const float* sos, int channels, float* io) {
