@@ -97,6 +97,14 @@ TEST(Grid, EveryLevelGivesTheSameBits) {
         sum(inPlace.data(), inPlace.data());
         return inPlace;
     });
+    kernels::expect_same_bits([&] { return run(kHop, [&](float* y) { interp1_fac3(x.data(), y); }); });
+    for (float gain : {1.0f, -0.3f, 0.0f}) {
+        kernels::expect_same_bits([&] {
+            Floats y = signals::noise(5, 2 * kHop);
+            add_scaled(x.data(), gain, 2 * kHopSamples, y.data());
+            return y;
+        });
+    }
 }
 
 }  // namespace
