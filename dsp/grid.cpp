@@ -14,6 +14,18 @@ void sum(const float* x, float* y) {
     }
 }
 
+void log10_on_grid(float* x) {
+    for (int k = 0; k < kGridPoints; ++k) {
+        x[k] = float(std::log10(double(x[k])));
+    }
+}
+
+void exp10_on_grid(const float* x, float* y) {
+    for (int k = 0; k < kGridPoints; ++k) {
+        y[k] = float(std::pow(10.0, double(x[k])));
+    }
+}
+
 void interp1_fac3(const float* x, float* y) {
     constexpr float kThird = 1.0f / 3.0f;
     constexpr int kLast = kGridPoints - 1;
@@ -37,6 +49,8 @@ void add_scaled(const float* x, float gain, int count, float* y) {
 }  // namespace scalar
 
 ZOQ_KERNEL(sum, const float* x, float* y);
+ZOQ_KERNEL(log10_on_grid, float* x);
+ZOQ_KERNEL(exp10_on_grid, const float* x, float* y);
 ZOQ_KERNEL(interp1_fac3, const float* x, float* y);
 ZOQ_KERNEL(add_scaled, const float* x, float gain, int count, float* y);
 
@@ -57,15 +71,17 @@ void copy(const float* x, float* y, int count) {
 }  // namespace
 
 void power(float base, const float* x, float* y) {
+    if (base == 10.0f) {
+        exp10_on_grid_kernel.run({{y, kGridPoints * sizeof(float)}}, x, y);
+        return;
+    }
     for (int k = 0; k < kGridPoints; ++k) {
         y[k] = float(std::pow(double(base), double(x[k])));
     }
 }
 
 void b_log10(float* x) {
-    for (int k = 0; k < kGridPoints; ++k) {
-        x[k] = float(std::log10(double(x[k])));
-    }
+    log10_on_grid_kernel.run({{x, kGridPoints * sizeof(float)}}, x);
 }
 
 void interp1_fac3(const float* x, float* y) {

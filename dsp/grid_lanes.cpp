@@ -14,10 +14,12 @@ void interp1_fac3(const float* x, float* y) {
     constexpr float kThird = 1.0f / 3.0f;
     constexpr int kLast = kGridPoints - 1;
     const Lanes two = broadcast(2.0f), third = broadcast(kThird);
-    for (int i = 0; i < kLast; i += kLanes) {
-        const int k = i < kLast - kLanes ? i : kLast - kLanes;  // the last ones once more
-        const Lanes a = load(x + k), b = load(x + k + 1);
-        store_thirds(y + kGridStep * k, {{a, (two * a + b) * third, (two * b + a) * third}});
+    // The last vector overlaps the one before it.
+    for (int k = 0; k < kLast; k += kLanes) {
+        const int from = k + kLanes <= kLast ? k : kLast - kLanes;
+        const Lanes here = load(x + from), next = load(x + from + 1);
+        const Lanes one = (two * here + next) * third, other = (two * next + here) * third;
+        store_three(y + kGridStep * from, here, one, other);
     }
     const float beyond = x[kLast] + (x[kLast] - x[kLast - 1]);
     y[kGridStep * kLast] = x[kLast];

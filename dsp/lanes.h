@@ -25,9 +25,13 @@
 #define ZOQ_UNROLL _Pragma("GCC unroll 16")
 #endif
 
-#if defined(__ARM_NEON) && !defined(__aarch64__)
+#if defined(__ARM_NEON)
 #include <arm_neon.h>
+#ifndef __aarch64__
 #define ZOQ_NEON32
+#endif
+#elif defined(__x86_64__)
+#include <immintrin.h>
 #endif
 
 namespace android::ZOQ_LEVEL {
@@ -118,6 +122,17 @@ ZOQ_INLINE Lanes add_product(Lanes a, Lanes b, Lanes c) {
 ZOQ_INLINE Lanes subtract_product(Lanes a, Lanes b, Lanes c) {
     return a - b * c;
 }
+ZOQ_INLINE Lanes square_root(Lanes a) {
+#if ZOQ_LANES == 16
+    return Lanes(_mm512_maskz_sqrt_ps(0xFFFF, __m512(a)));
+#elif ZOQ_LANES == 8
+    return Lanes(_mm256_sqrt_ps(__m256(a)));
+#elif defined(__aarch64__)
+    return Lanes(vsqrtq_f32(float32x4_t(a)));
+#else
+    return Lanes(_mm_sqrt_ps(__m128(a)));
+#endif
+}
 ZOQ_INLINE FloatVector vector_of(Lanes a) {
     return a;
 }
@@ -199,43 +214,92 @@ ZOQ_INLINE void store_pair(float* x, float* y, Lanes a) {
     *y = vector_of(a)[1];
 }
 
-// Three vectors that hold, between them, 3 kLanes values next to one another: every third, beginning with the first,
-// the second and the third.
+// Every third of 3 kLanes values next to one another, beginning with the first, the second and the third.
 struct Thirds {
     Lanes v[3];
 };
-
 #ifdef ZOQ_NEON32
-ZOQ_INLINE Thirds load_thirds(const float* x) {
+ZOQ_INLINE Thirds load_three(const float* x) {
     const float32x4x3_t t = vld3q_f32(x);
     return {{{t.val[0]}, {t.val[1]}, {t.val[2]}}};
 }
-ZOQ_INLINE void store_thirds(float* y, Thirds t) {
-    vst3q_f32(y, {{t.v[0].v, t.v[1].v, t.v[2].v}});
-}
 #else
-// Value 3 I + kFirst of a, b and c in a row.
-template <int kFirst, int... I>
+template <int kFirst, int... I>  // value 3 I + kFirst of a, b and c in a row
 ZOQ_INLINE Lanes every_third(Lanes a, Lanes b, Lanes c, std::integer_sequence<int, I...>) {
     const Lanes ab = shuffle<(3 * I + kFirst < 2 * kLanes ? 3 * I + kFirst : 0)...>(a, b);
     return shuffle<(3 * I + kFirst < 2 * kLanes ? I : 3 * I + kFirst - kLanes)...>(ab, c);
 }
-ZOQ_INLINE Thirds load_thirds(const float* x) {
+ZOQ_INLINE Thirds load_three(const float* x) {
     const Lanes a = load(x), b = load(x + kLanes), c = load(x + 2 * kLanes);
     return {{every_third<0>(a, b, c, LaneIndices()), every_third<1>(a, b, c, LaneIndices()),
              every_third<2>(a, b, c, LaneIndices())}};
 }
-// Values kFirst + I of all, in the order of the row.
-template <int kFirst, int... I>
-ZOQ_INLINE Lanes in_a_row(Thirds t, std::integer_sequence<int, I...>) {
-    const Lanes ab =
-        shuffle<((kFirst + I) % 3 * kLanes + (kFirst + I) / 3) % (2 * kLanes)...>(t.v[0], t.v[1]);
-    return shuffle<((kFirst + I) % 3 == 2 ? kLanes + (kFirst + I) / 3 : I)...>(ab, t.v[2]);
+#endif
+
+// a[0] b[0] c[0] a[1] b[1] c[1] ...
+#ifdef ZOQ_NEON32
+ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
+    vst3q_f32(y, {a.v, b.v, c.v});
 }
-ZOQ_INLINE void store_thirds(float* y, Thirds t) {
-    store(y, in_a_row<0>(t, LaneIndices()));
-    store(y + kLanes, in_a_row<kLanes>(t, LaneIndices()));
-    store(y + 2 * kLanes, in_a_row<2 * kLanes>(t, LaneIndices()));
+#else
+template <int J, int... I>  // vector J: one shuffle brings a and b to their places, another one c
+ZOQ_INLINE Lanes zip_three(Lanes a, Lanes b, Lanes c, std::integer_sequence<int, I...>) {
+    const Lanes ab = shuffle<((J * kLanes + I) / 3 + ((J * kLanes + I) % 3 == 1 ? kLanes : 0))...>(a, b);
+    return shuffle<((J * kLanes + I) % 3 == 2 ? kLanes + (J * kLanes + I) / 3 : I)...>(ab, c);
+}
+ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
+    store(y, zip_three<0>(a, b, c, LaneIndices()));
+    store(y + kLanes, zip_three<1>(a, b, c, LaneIndices()));
+    store(y + 2 * kLanes, zip_three<2>(a, b, c, LaneIndices()));
+}
+#endif
+
+// Doubles: half as many in a register. The conversions are the rounding ones of the language.
+constexpr int kDoubles = kLanes / 2;
+typedef double Doubles __attribute__((vector_size(8 * kDoubles)));
+typedef int64_t LongInts __attribute__((vector_size(8 * kDoubles)));
+typedef float HalfFloats __attribute__((vector_size(4 * kDoubles)));
+typedef int32_t HalfInts __attribute__((vector_size(4 * kDoubles)));
+
+// Compilers convert generic vectors piece by piece; masks of ones keep GCC 12 from warning of its own headers.
+#if ZOQ_LANES == 16
+ZOQ_INLINE Doubles doubles_of(HalfFloats x) {
+    return Doubles(_mm512_maskz_cvtps_pd(0xFF, __m256(x)));
+}
+ZOQ_INLINE Doubles doubles_of(HalfInts x) {
+    return Doubles(_mm512_maskz_cvtepi32_pd(0xFF, __m256i(x)));
+}
+ZOQ_INLINE HalfFloats floats_of(Doubles x) {
+    return HalfFloats(_mm512_maskz_cvtpd_ps(0xFF, __m512d(x)));
+}
+ZOQ_INLINE bool any(HalfInts mask) {
+    return _mm256_movemask_ps(__m256(mask)) != 0;
+}
+#elif ZOQ_LANES == 8
+ZOQ_INLINE Doubles doubles_of(HalfFloats x) {
+    return Doubles(_mm256_cvtps_pd(__m128(x)));
+}
+ZOQ_INLINE Doubles doubles_of(HalfInts x) {
+    return Doubles(_mm256_cvtepi32_pd(__m128i(x)));
+}
+ZOQ_INLINE HalfFloats floats_of(Doubles x) {
+    return HalfFloats(_mm256_cvtpd_ps(__m256d(x)));
+}
+ZOQ_INLINE bool any(HalfInts mask) {
+    return _mm_movemask_ps(__m128(mask)) != 0;
+}
+#else
+ZOQ_INLINE Doubles doubles_of(HalfFloats x) {
+    return __builtin_convertvector(x, Doubles);
+}
+ZOQ_INLINE Doubles doubles_of(HalfInts x) {
+    return __builtin_convertvector(x, Doubles);
+}
+ZOQ_INLINE HalfFloats floats_of(Doubles x) {
+    return __builtin_convertvector(x, HalfFloats);
+}
+ZOQ_INLINE bool any(HalfInts mask) {
+    return (mask[0] | mask[1]) != 0;
 }
 #endif
 

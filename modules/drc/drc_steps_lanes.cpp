@@ -112,7 +112,7 @@ void drc_peaks(const float* x, float* peak) {
     peak[0] = (second > first ? second : first) + kLogFloor;
     for (int j = 1; j < kGridPoints; j += kLanes) {
         const int k = j < kGridPoints - kLanes ? j : kGridPoints - kLanes;  // the last ones once more
-        const Thirds t = load_thirds(x + kGridStep * k - 1);
+        const Thirds t = load_three(x + kGridStep * k - 1);
         const Lanes pair = larger(absolute(t.v[0]), absolute(t.v[1]));
         store(peak + k, larger(pair, absolute(t.v[2])) + broadcast(kLogFloor));
     }

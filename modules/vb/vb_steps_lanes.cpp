@@ -15,7 +15,7 @@ void vb_harmonics(const float* bass, float c, float* harmonics, float* magnitude
     magnitude[0] = __builtin_fabsf(harmonics[0]);
     for (int i = 1; i < kGridPoints; i += kLanes) {
         const int k = i < kGridPoints - kLanes ? i : kGridPoints - kLanes;  // the last ones once more
-        const Lanes x = load_thirds(bass + kGridStep * k - 1).v[1];
+        const Lanes x = load_three(bass + kGridStep * k - 1).v[1];
         const Lanes y = add_product(x, broadcast(c) * x, x);
         store(harmonics + k, y);
         store(magnitude + k, absolute(y));
