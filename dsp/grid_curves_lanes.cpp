@@ -13,9 +13,6 @@ namespace android::ZOQ_LEVEL {
 
 namespace {
 
-// Two doubles at a time are no faster than the library.
-constexpr bool kWorthwhile = kDoubles > 2;
-
 constexpr double kErrorBound = 0x1p-38;
 constexpr double kLn2 = 0.69314718055994530942, kLn10 = 2.3025850929940456840;
 
@@ -85,7 +82,7 @@ ZOQ_INLINE void follow_block(Curve curve, Library library, const float* x, float
 template <typename Curve, typename Library>
 ZOQ_INLINE void follow(Curve curve, Library library, const float* x, float* out) {
     constexpr int kRest = kGridPoints % kDoubles, kWhole = kGridPoints - kRest;
-    if constexpr (kWorthwhile) {
+    if constexpr (kHasDoubles) {
         for (int k = 0; k < kWhole; k += kDoubles) {
             follow_block(curve, library, x + k, out + k);
         }
