@@ -26,15 +26,10 @@ constexpr float kNoGainDb = -100.0f;
 // Differs from every gain, itself included.
 constexpr float kNeverEqual = std::numeric_limits<float>::quiet_NaN();
 
-struct Section {
-    float b[3], a[3];
-};
-
 struct State {
-    float lastGainDb[kGeqMaxBands];  // reset: -100
-    Section bands[kGeqMaxBands];     // survives a reset
-    Delays left[kGeqMaxBands];       // reset: 0
-    Delays right[kGeqMaxBands];      // reset: 0
+    float lastGainDb[kGeqMaxBands];           // reset: -100
+    SectionCoefficients bands[kGeqMaxBands];  // survives a reset
+    StereoDelays delays[kGeqMaxBands];        // reset: 0
 };
 
 State state;
@@ -53,14 +48,9 @@ void redesign_changed_bands(int bands, const float* gainDb, float Q, const float
     }
 }
 
-// The filter normalises its coefficients in place, so it gets copies.
-void filter_band(Section section, float* io, Delays& delays) {
-    filter(section.b, section.a, io, delays.z, io, delays.z);
-}
-
 // A band that keeps its gain is designed anew as well.
 void reset_if_poisoned() {
-    if (is_poisoned(state.left, kPoisonedSample) || is_poisoned(state.right, kPoisonedSample)) {
+    if (is_poisoned(state.delays, kPoisonedSample)) {
         graphicalEQ_init();
         ++poisonResets;
         std::fill_n(state.lastGainDb, kGeqMaxBands, kNeverEqual);
@@ -104,23 +94,20 @@ void graphicalEQ(float* io, float channels, float bandCount, const float* bandGa
                  const float* bandWarp) {
     const int bands = count_within(bandCount, kGeqMaxBands);
     redesign_changed_bands(bands, bandGainDb, bandQ, bandWarp);
+    Cascade cascade(channels == 2.0f ? 2 : 1);
     for (int k = 0; k < bands; ++k) {
-        if (bandGainDb[k] == 0.0f) {
-            continue;
-        }
-        filter_band(state.bands[k], io, state.left[k]);
-        if (channels == 2.0f) {
-            filter_band(state.bands[k], io + kHopSamples, state.right[k]);
+        if (bandGainDb[k] != 0.0f) {
+            cascade.append(state.bands[k], state.delays[k]);
         }
     }
+    cascade.run(io);
     reset_if_poisoned();
 }
 
 void graphicalEQ_init() {
     for (int k = 0; k < kGeqMaxBands; ++k) {
         state.lastGainDb[k] = kNoGainDb;
-        state.left[k] = {};
-        state.right[k] = {};
+        state.delays[k] = {};
     }
 }
 
