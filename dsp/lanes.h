@@ -17,6 +17,14 @@
 #define ZOQ_PASTE(a, b)  ZOQ_PASTE_(a, b)
 #define ZOQ_LEVEL        ZOQ_PASTE(lanes, ZOQ_LANES)
 #define ZOQ_INLINE       [[gnu::always_inline]] static inline
+#define ZOQ_MEMBER       [[gnu::always_inline]] inline
+
+// In front of a loop over an array that is meant to stay in registers.
+#ifdef __clang__
+#define ZOQ_UNROLL _Pragma("unroll")
+#else
+#define ZOQ_UNROLL _Pragma("GCC unroll 16")
+#endif
 
 #if defined(__ARM_NEON)
 #include <arm_neon.h>
@@ -138,6 +146,12 @@ ZOQ_INLINE Lanes shuffle(Lanes a, Lanes b) {
     return lanes_of(__builtin_shufflevector(vector_of(a), vector_of(b), I...));
 }
 
+ZOQ_INLINE IntLanes load_ints(const int32_t* x) {
+    IntLanes v;
+    __builtin_memcpy(&v, x, sizeof v);
+    return v;
+}
+
 using LaneIndices = std::make_integer_sequence<int, kLanes>;
 
 // 0, 1, 2, ...
@@ -164,6 +178,40 @@ ZOQ_INLINE Lanes rotate_up(Lanes a, std::integer_sequence<int, I...>) {
 }
 ZOQ_INLINE Lanes rotate_up(Lanes a) {
     return rotate_up(a, LaneIndices());
+}
+
+// The lanes of a and then b, those with even and those with odd numbers.
+template <int... I>
+ZOQ_INLINE Lanes even_lanes(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(2 * I)...>(a, b);
+}
+template <int... I>
+ZOQ_INLINE Lanes odd_lanes(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(2 * I + 1)...>(a, b);
+}
+// a0 b0 a1 b1 ..., of the lower and of the upper halves.
+template <int... I>
+ZOQ_INLINE Lanes zip_lower(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I % 2 * kLanes + I / 2)...>(a, b);
+}
+template <int... I>
+ZOQ_INLINE Lanes zip_upper(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I % 2 * kLanes + I / 2 + kLanes / 2)...>(a, b);
+}
+
+// Real and imaginary parts of kLanes complex values.
+struct ComplexLanes {
+    Lanes re, im;
+};
+
+// From and to interleaved re, im.
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load(x), b = load(x + kLanes);
+    return {even_lanes(a, b, LaneIndices()), odd_lanes(a, b, LaneIndices())};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store(y, zip_lower(z.re, z.im, LaneIndices()));
+    store(y + kLanes, zip_upper(z.re, z.im, LaneIndices()));
 }
 
 // a[0] b[0] c[0] a[1] b[1] c[1] ...
