@@ -294,34 +294,6 @@ ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
 }
 #endif
 
-// Four floats at every level, for sums whose order leaves no more to do side by side.
-#ifdef ZOQ_NEON32
-using Quad = Lanes;
-ZOQ_INLINE Quad quad(float x) {
-    return broadcast(x);
-}
-ZOQ_INLINE Quad load_pairs(const float* a, const float* b) {
-    return {vcombine_f32(vld1_f32(a), vld1_f32(b))};
-}
-#else
-typedef float Quad __attribute__((vector_size(16)));
-ZOQ_INLINE Quad quad(float x) {
-    return Quad{x, x, x, x};
-}
-// a[0] a[1] b[0] b[1], moved as two words: of integers GCC would make a way through memory.
-ZOQ_INLINE Quad load_pairs(const float* a, const float* b) {
-    typedef double Words __attribute__((vector_size(16)));
-    typedef double Word __attribute__((aligned(4), may_alias));
-    return Quad(Words{*reinterpret_cast<const Word*>(a), *reinterpret_cast<const Word*>(b)});
-}
-#if ZOQ_LANES != 4
-ZOQ_INLINE void store(float* y, Quad a) {
-    typedef float Floats __attribute__((vector_size(16), aligned(4), may_alias));
-    *reinterpret_cast<Floats*>(y) = a;
-}
-#endif
-#endif
-
 // Doubles: half as many in a register. The conversions are the rounding ones of the language.
 constexpr int kDoubles = kLanes / 2;
 #ifdef ZOQ_NEON32
