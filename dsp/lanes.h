@@ -242,23 +242,24 @@ ZOQ_INLINE Thirds load_three(const float* x) {
              every_third<2>(a, b, c, LaneIndices())}};
 }
 #endif
-// The lanes of a and then b, those with even and those with odd numbers.
+
+// Lanes in quarters of four, between which shuffles are cheap: of each quarter the even or the odd lanes of a and
+// then b; the lower or the upper lanes of a and b in turn.
 template <int... I>
-ZOQ_INLINE Lanes even_lanes(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
-    return shuffle<(2 * I)...>(a, b);
+ZOQ_INLINE Lanes even_in_quarters(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 4 / 2 * kLanes + I % 2 * 2)...>(a, b);
 }
 template <int... I>
-ZOQ_INLINE Lanes odd_lanes(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
-    return shuffle<(2 * I + 1)...>(a, b);
+ZOQ_INLINE Lanes odd_in_quarters(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 4 / 2 * kLanes + I % 2 * 2 + 1)...>(a, b);
 }
-// a0 b0 a1 b1 ..., of the lower and of the upper halves.
 template <int... I>
 ZOQ_INLINE Lanes zip_lower(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
-    return shuffle<(I % 2 * kLanes + I / 2)...>(a, b);
+    return shuffle<(I / 4 * 4 + I % 2 * kLanes + I % 4 / 2)...>(a, b);
 }
 template <int... I>
 ZOQ_INLINE Lanes zip_upper(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
-    return shuffle<(I % 2 * kLanes + I / 2 + kLanes / 2)...>(a, b);
+    return shuffle<(I / 4 * 4 + I % 2 * kLanes + I % 4 / 2 + 2)...>(a, b);
 }
 
 // Real and imaginary parts of kLanes complex values.
@@ -266,15 +267,51 @@ struct ComplexLanes {
     Lanes re, im;
 };
 
-// From and to interleaved re, im.
+// load_complex and store_complex: from and to interleaved re, im.
+#if ZOQ_LANES == 4
 ZOQ_INLINE ComplexLanes load_complex(const float* x) {
-    const Lanes a = load(x), b = load(x + kLanes);
-    return {even_lanes(a, b, LaneIndices()), odd_lanes(a, b, LaneIndices())};
+    const Lanes a = load(x), b = load(x + 4);
+    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
 }
 ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
     store(y, zip_lower(z.re, z.im, LaneIndices()));
-    store(y + kLanes, zip_upper(z.re, z.im, LaneIndices()));
+    store(y + 4, zip_upper(z.re, z.im, LaneIndices()));
 }
+#elif ZOQ_LANES == 8
+// A half at a time goes from and to memory without a shuffle.
+typedef float FourFloats __attribute__((vector_size(16), may_alias));
+typedef float UnalignedFourFloats __attribute__((vector_size(16), aligned(4), may_alias));
+
+ZOQ_INLINE Lanes join_halves(FourFloats lower, FourFloats upper) {
+    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+ZOQ_INLINE Lanes load_halves(const float* lower, const float* upper) {
+    return join_halves(*reinterpret_cast<const UnalignedFourFloats*>(lower),
+                       *reinterpret_cast<const UnalignedFourFloats*>(upper));
+}
+ZOQ_INLINE void store_halves(float* lower, float* upper, Lanes a) {
+    *reinterpret_cast<UnalignedFourFloats*>(lower) = __builtin_shufflevector(a, a, 0, 1, 2, 3);
+    *reinterpret_cast<UnalignedFourFloats*>(upper) = __builtin_shufflevector(a, a, 4, 5, 6, 7);
+}
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load_halves(x, x + 8), b = load_halves(x + 4, x + 12);
+    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store_halves(y, y + 8, zip_lower(z.re, z.im, LaneIndices()));
+    store_halves(y + 4, y + 12, zip_upper(z.re, z.im, LaneIndices()));
+}
+#else
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load(x), b = load(x + 16);
+    return {shuffle<0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30>(a, b),
+            shuffle<1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31>(a, b)};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store(y, shuffle<0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23>(z.re, z.im));
+    store(y + 16, shuffle<8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31>(z.re, z.im));
+}
+#endif
 
 // a[0] b[0] c[0] a[1] b[1] c[1] ...
 #ifdef ZOQ_NEON32
