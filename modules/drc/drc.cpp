@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "dsp/grid.h"
+#include "dsp/poison.h"
 #include "modules/drc/drc_steps.h"
 
 namespace android {
@@ -29,6 +30,10 @@ constexpr parameterDRC kFactory = {
 
 constexpr int kMaxChannels = 2;
 constexpr float kStartLevelDb = -50.0f;
+
+// No memory gets there: levels begin at -200 dB and end where samples would be poison, at 240 dB; reductions of
+// them are smaller, at 21 dB of make-up below 0.95 x (240 + 27) dB.
+constexpr float kPoisonedDb = 255.0f;
 
 // The stronger the compression, the harder the ratio and the quicker the response.
 struct Bracket {
@@ -87,6 +92,13 @@ void gain_curve(const DrcSettings& settings, const float* reductionDb, const flo
     drc_make_up(settings.comp.makeup, factor, gain);
 }
 
+void reset_if_poisoned() {
+    if (is_poisoned(state.channel, kPoisonedDb)) {
+        state_not_empty_init();
+        ++poisonResets;
+    }
+}
+
 }  // namespace
 
 void factory_contents(parameterDRC* record) {
@@ -135,6 +147,7 @@ void dynamicRangeCompression_LC(float* io, float channels, const float* firstSta
     gain_curve(settings, reductionDb, smoothedDb, gridGain);
     interp1_fac3(gridGain, gain);
     drc_apply(gain, count, io);
+    reset_if_poisoned();
 }
 
 void state_not_empty_init() {

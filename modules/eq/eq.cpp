@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dsp/grid.h"
+#include "dsp/poison.h"
 
 namespace android {
 
@@ -54,6 +55,13 @@ void filter_repeatedly(int passes, const float* sos, int channels, float* io) {
     }
 }
 
+void reset_if_poisoned() {
+    if (is_poisoned(state, kPoisonedSample)) {
+        equalization_peak_init();
+        ++poisonResets;
+    }
+}
+
 }  // namespace
 
 void factory_contents(parameterEQ* record) {
@@ -69,6 +77,7 @@ void equalization_peak(float* io, float channels, float peakSectionCount, const 
         boost_treble(trebleSectionCount, trebleSos, trebleGain, count, io);
     }
     filter_repeatedly(count_within(finalPassCount, kEqMaxFinalPasses), finalSos, count, io);
+    reset_if_poisoned();
 }
 
 void equalization_peak_init() {

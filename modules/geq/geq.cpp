@@ -1,7 +1,10 @@
 #include "modules/geq/geq.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
+#include "dsp/poison.h"
 #include "dsp/section.h"
 
 namespace android {
@@ -20,6 +23,9 @@ constexpr parameterGEQ kFactory = {
 // A gain no setting is likely to hold, so that the first call after a reset designs every band.
 constexpr float kNoGainDb = -100.0f;
 
+// Differs from every gain, itself included.
+constexpr float kNeverEqual = std::numeric_limits<float>::quiet_NaN();
+
 struct State {
     float lastGainDb[kGeqMaxBands];           // reset: -100
     SectionCoefficients bands[kGeqMaxBands];  // survives a reset
@@ -28,12 +34,26 @@ struct State {
 
 State state;
 
+// A design from such values is no filter and is not to outlive them, as others outlive a new warp or Q.
+bool is_no_filter(float Q, float warp) {
+    return !(Q > 0.0f) || !(warp > 0.0f) || std::isinf(Q) || std::isinf(warp);
+}
+
 void redesign_changed_bands(int bands, const float* gainDb, float Q, const float* warp) {
     for (int k = 0; k < bands; ++k) {
         if (state.lastGainDb[k] != gainDb[k]) {
             il_iirpeaking2(warp[k], gainDb[k], Q, state.bands[k].b, state.bands[k].a);
         }
-        state.lastGainDb[k] = gainDb[k];
+        state.lastGainDb[k] = is_no_filter(Q, warp[k]) ? kNeverEqual : gainDb[k];
+    }
+}
+
+// A band that keeps its gain is designed anew as well.
+void reset_if_poisoned() {
+    if (is_poisoned(state.delays, kPoisonedSample)) {
+        graphicalEQ_init();
+        ++poisonResets;
+        std::fill_n(state.lastGainDb, kGeqMaxBands, kNeverEqual);
     }
 }
 
@@ -81,6 +101,7 @@ void graphicalEQ(float* io, float channels, float bandCount, const float* bandGa
         }
     }
     cascade.run(io);
+    reset_if_poisoned();
 }
 
 void graphicalEQ_init() {

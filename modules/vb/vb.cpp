@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dsp/grid.h"
+#include "dsp/poison.h"
 #include "dsp/shared_value.h"
 #include "modules/vb/vb_steps.h"
 #include "modules/vb/vb_tables.h"
@@ -110,6 +111,13 @@ void add_bass(const float* bass, int channels, float* io) {
     }
 }
 
+void reset_if_poisoned() {
+    if (is_poisoned(state, kPoisonedSample)) {
+        virtualbassFunction_monoLC_init();
+        ++poisonResets;
+    }
+}
+
 }  // namespace
 
 void factory_contents(float cutoffHz, parameterVB* record) {
@@ -134,6 +142,7 @@ void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* pa
     }
     filter_by(p.outputHighpassSos, p.outputHighpassSections, state.outputHighpass, channels == 2.0f ? 2 : 1,
               io);
+    reset_if_poisoned();
 }
 
 void virtualbassFunction_monoLC_init() {
