@@ -256,11 +256,6 @@ ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
 
 // Doubles: half as many in a register. The conversions are the rounding ones of the language.
 constexpr int kDoubles = kLanes / 2;
-#ifdef ZOQ_NEON32
-constexpr bool kHasDoubles = false;  // computed one after the other
-#else
-constexpr bool kHasDoubles = true;
-#endif
 typedef double Doubles __attribute__((vector_size(8 * kDoubles)));
 typedef int64_t LongInts __attribute__((vector_size(8 * kDoubles)));
 typedef float HalfFloats __attribute__((vector_size(4 * kDoubles)));
