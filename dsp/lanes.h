@@ -39,6 +39,16 @@ namespace android::ZOQ_LEVEL {
 
 constexpr int kLanes = ZOQ_LANES;
 
+// How many vectors of second-order sections run at once: on x86 operands come from memory for free, elsewhere seven
+// registers each are to be had.
+#if defined(__x86_64__)
+constexpr int kSectionVectors = 5;
+#elif defined(ZOQ_NEON32)
+constexpr int kSectionVectors = 2;
+#else
+constexpr int kSectionVectors = 3;
+#endif
+
 // One integer per lane; as a mask all bits of a lane are set or none.
 typedef int32_t IntLanes __attribute__((vector_size(4 * kLanes)));
 typedef float FloatVector __attribute__((vector_size(4 * kLanes)));
@@ -57,8 +67,8 @@ ZOQ_INLINE Lanes operator-(Lanes a, Lanes b) {
 ZOQ_INLINE Lanes operator*(Lanes a, Lanes b) {
     return {vmulq_f32(a.v, b.v)};
 }
-ZOQ_INLINE Lanes operator-(Lanes a) {
-    return {vnegq_f32(a.v)};
+ZOQ_INLINE Lanes operator-(Lanes a) {  // the intrinsic for it comes out lane by lane
+    return {float32x4_t(IntLanes(a.v) ^ INT32_MIN)};
 }
 ZOQ_INLINE Lanes load(const float* x) {
     return {vld1q_f32(x)};
@@ -77,11 +87,24 @@ ZOQ_INLINE Lanes square_root(Lanes a) {
     return {float32x4_t{__builtin_sqrtf(a.v[0]), __builtin_sqrtf(a.v[1]), __builtin_sqrtf(a.v[2]),
                         __builtin_sqrtf(a.v[3])}};
 }
+// GCC 12 has no intrinsic that stays a vector comparison without fast maths.
 ZOQ_INLINE IntLanes less(Lanes a, Lanes b) {
-    return IntLanes(vcltq_f32(a.v, b.v));
+    IntLanes mask;
+    asm("vcgt.f32 %q0, %q1, %q2" : "=w"(mask) : "w"(b.v), "w"(a.v));
+    return mask;
 }
 ZOQ_INLINE IntLanes at_most(Lanes a, Lanes b) {
-    return IntLanes(vcleq_f32(a.v, b.v));
+    IntLanes mask;
+    asm("vcge.f32 %q0, %q1, %q2" : "=w"(mask) : "w"(b.v), "w"(a.v));
+    return mask;
+}
+ZOQ_INLINE Lanes select(IntLanes mask, Lanes a, Lanes b) {
+    return {vbslq_f32(uint32x4_t(mask), a.v, b.v)};
+}
+// Lanes kFirst and kFirst + 1, kFirst even, become *x and *y.
+template <int kFirst>
+ZOQ_INLINE Lanes with_pair(Lanes a, const float* x, const float* y) {
+    return {vld1q_lane_f32(y, vld1q_lane_f32(x, a.v, kFirst), kFirst + 1)};
 }
 // a + b * c and a - b * c, the product rounded before the sum.
 ZOQ_INLINE Lanes add_product(Lanes a, Lanes b, Lanes c) {
@@ -140,11 +163,10 @@ ZOQ_INLINE FloatVector vector_of(Lanes a) {
 ZOQ_INLINE Lanes lanes_of(FloatVector v) {
     return v;
 }
-#endif
-
 ZOQ_INLINE Lanes select(IntLanes mask, Lanes a, Lanes b) {
-    return lanes_of(mask ? vector_of(a) : vector_of(b));
+    return mask ? a : b;
 }
+#endif
 
 ZOQ_INLINE Lanes absolute(Lanes a) {
     return lanes_of(FloatVector(IntLanes(vector_of(a)) & 0x7FFFFFFF));
@@ -199,21 +221,22 @@ ZOQ_INLINE Lanes down_by_two(Lanes a) {
     return down_by_two(a, LaneIndices());
 }
 
-// Lanes kFirst and kFirst + 1, kFirst even, become x and y.
+#ifndef ZOQ_NEON32
+// Lanes kFirst and kFirst + 1, kFirst even, become *x and *y.
 template <int kFirst, int... I>
-ZOQ_INLINE Lanes with_pair(Lanes a, float x, float y, std::integer_sequence<int, I...>) {
+ZOQ_INLINE Lanes with_pair(Lanes a, const float* x, const float* y, std::integer_sequence<int, I...>) {
     if constexpr (kLanes == 4) {  // one shuffle after x and y have met
-        const Lanes pair = lanes_of(FloatVector{x, y});
-        return shuffle<(I / 2 == kFirst / 2 ? I % 2 + kLanes : I)...>(a, pair);
+        return shuffle<(I / 2 == kFirst / 2 ? I % 2 + kLanes : I)...>(a, Lanes{*x, *y});
     } else {
-        const Lanes first = shuffle<(I == kFirst ? I + kLanes : I)...>(a, broadcast(x));
-        return shuffle<(I == kFirst + 1 ? I + kLanes : I)...>(first, broadcast(y));
+        const Lanes first = shuffle<(I == kFirst ? I + kLanes : I)...>(a, broadcast(*x));
+        return shuffle<(I == kFirst + 1 ? I + kLanes : I)...>(first, broadcast(*y));
     }
 }
 template <int kFirst>
-ZOQ_INLINE Lanes with_pair(Lanes a, float x, float y) {
+ZOQ_INLINE Lanes with_pair(Lanes a, const float* x, const float* y) {
     return with_pair<kFirst>(a, x, y, LaneIndices());
 }
+#endif
 
 // Lane 0 to x, lane 1 to y.
 ZOQ_INLINE void store_pair(float* x, float* y, Lanes a) {
@@ -333,11 +356,6 @@ ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
 
 // Doubles: half as many in a register. The conversions are the rounding ones of the language.
 constexpr int kDoubles = kLanes / 2;
-#ifdef ZOQ_NEON32
-constexpr bool kHasDoubles = false;  // computed one after the other
-#else
-constexpr bool kHasDoubles = true;
-#endif
 typedef double Doubles __attribute__((vector_size(8 * kDoubles)));
 typedef int64_t LongInts __attribute__((vector_size(8 * kDoubles)));
 typedef float HalfFloats __attribute__((vector_size(4 * kDoubles)));
