@@ -31,7 +31,8 @@ set(ZOQ_KERNEL_FLAGS_4 "")
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
   list(APPEND ZOQ_KERNEL_LANES 8 16)
   set(ZOQ_KERNEL_FLAGS_8 -mavx2 -mno-fma)
-  set(ZOQ_KERNEL_FLAGS_16 -mavx512f -mavx512dq -mavx512bw -mavx512vl $<$<CXX_COMPILER_ID:GNU>:-mno-fma>)
+  set(ZOQ_KERNEL_FLAGS_16 -mavx512f -mavx512dq -mavx512bw -mavx512vl -mprefer-vector-width=512
+      $<$<CXX_COMPILER_ID:GNU>:-mno-fma>)
 endif()
 
 # Adds to a list of sources each kernel file once per level, as a small file that says the lanes and includes it.
@@ -59,6 +60,8 @@ function(zoq_room name)
   add_library(${name} STATIC ${ROOM_SOURCES})
   target_compile_options(${name} PRIVATE ${ZOQ_WARNINGS} ${ZOQ_NUMERIC_FLAGS} -fno-exceptions -fno-rtti
                                          -fvisibility-inlines-hidden
+                                         # types too, for debuggers and the comparison of interfaces
+                                         $<$<CONFIG:RelWithDebInfo>:-g>
                                          # refuses flags under which the same source gives other bits
                                          "SHELL:-include ${PROJECT_SOURCE_DIR}/dsp/numerics.h")
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")

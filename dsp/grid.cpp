@@ -40,12 +40,19 @@ void interp1_fac3(const float* x, float* y) {
     y[kGridStep * kLast + 1] = (2.0f * x[kLast] + beyond) * kThird;
 }
 
+void add_scaled(const float* x, float gain, int count, float* y) {
+    for (int i = 0; i < count; ++i) {
+        y[i] = y[i] + gain * x[i];
+    }
+}
+
 }  // namespace scalar
 
 ZOQ_KERNEL(sum, const float* x, float* y);
 ZOQ_KERNEL(log10_on_grid, float* x);
 ZOQ_KERNEL(exp10_on_grid, const float* x, float* y);
 ZOQ_KERNEL(interp1_fac3, const float* x, float* y);
+ZOQ_KERNEL(add_scaled, const float* x, float gain, int count, float* y);
 
 namespace {
 
@@ -79,6 +86,10 @@ void b_log10(float* x) {
 
 void interp1_fac3(const float* x, float* y) {
     interp1_fac3_kernel.run({{y, kHopSamples * sizeof(float)}}, x, y);
+}
+
+void add_scaled(const float* x, float gain, int count, float* y) {
+    add_scaled_kernel.run({{y, size_t(count) * sizeof(float)}}, x, gain, count, y);
 }
 
 void b_abs(const float* x, float* y) {

@@ -26,4 +26,11 @@ void interp1_fac3(const float* x, float* y) {
     y[kGridStep * kLast + 1] = (2.0f * x[kLast] + beyond) * kThird;
 }
 
+void add_scaled(const float* x, float gain, int count, float* y) {
+    const Lanes factor = broadcast(gain);
+    for (int i = 0; i < count; i += kLanes) {
+        store(y + i, add_product(load(y + i), factor, load(x + i)));
+    }
+}
+
 }  // namespace android::ZOQ_LEVEL

@@ -8,6 +8,8 @@
 #include "dsp/fft_tables.h"
 #include "dsp/grid.h"
 #include "dsp/kernel_level.h"
+#include "dsp/poison.h"
+#include "dsp/shared_value.h"
 #include "modules/den/den_kernels.h"
 #include "modules/den/den_tables.h"
 
@@ -24,6 +26,10 @@ constexpr float kLeastFluctuation = 20.0f;                 // quieter centres sa
 constexpr float kNoSpeech = -2.0f;                         // the lowest value the detector can reach
 constexpr float kAttackNew = 0.3f, kAttackOld = 0.7f;      // speech is believed within a few hops
 constexpr float kReleaseNew = 0.02f, kReleaseOld = 0.98f;  // and given up over tens of hops
+
+// No memory gets there: a full-scale pair in opposite phase, all of it in one band of 19 bins, has a power below
+// 19 x 4 x 1024 x 512 / 2 and twice as much after the widening; the speech activity is smoothed from -2 .. 2.
+constexpr float kPoisonedPower = 1e12f, kPoisonedActivity = 3.0f;
 
 // Last bins, counted from 1, of the factory bands: two bins wide to 2 kHz, then near a sixth of an octave.
 // Each band starts behind the one before it.
@@ -329,11 +335,19 @@ void fold_centre(float* io) {
     }
 }
 
+void reset_if_poisoned() {
+    if (is_poisoned(state.bdiffSm, kPoisonedActivity) || is_poisoned(state.powerSm, kPoisonedPower) ||
+        is_poisoned(state.energySm, kPoisonedPower) || is_poisoned(state.history, kPoisonedPower)) {
+        bdiff_sm_not_empty_init();
+        ++poisonResets;
+    }
+}
+
 }  // namespace
 
 void factory_contents(parameterDEN* record) {
     record->smoothFactor = 0.8f;
-    record->centerSpeechGain = 2.0f;
+    store_shared(record->centerSpeechGain, 2.0f);
     record->baseGain = 1.0f;
     record->wideAmount = 3.0f;
     record->stereoOutput = 0.0f;
@@ -380,6 +394,7 @@ void DialogueEnhancementWide(float* io, float smoothFactor, float centerSpeechGa
     if (stereoOutput != 0.0f) {
         fold_centre(io);
     }
+    reset_if_poisoned();
 }
 
 void bdiff_sm_not_empty_init() {

@@ -99,6 +99,13 @@ TEST(Grid, EveryLevelGivesTheSameBits) {
         sum(inPlace.data(), inPlace.data());
         return inPlace;
     });
+    for (float gain : {1.0f, -0.3f, 0.0f}) {
+        kernels::expect_same_bits([&] {
+            Floats y = signals::noise(5, 2 * kHop);
+            add_scaled(x.data(), gain, 2 * kHopSamples, y.data());
+            return y;
+        });
+    }
 }
 
 // Values whose logarithm or power lies so near the middle of two floats that the vectors' series alone round wrongly.

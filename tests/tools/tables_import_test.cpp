@@ -91,6 +91,8 @@ TEST_F(TablesImportTest, SaysWhatIsWrongWithAHead) {
         {[&](auto& c) { c.head.rateHz = nan; }, {"sampling rate", "32000 to 192000"}},
         {[&](auto& c) { c.head.responses[7][1][3] = nan; }, {"measurement 8", "not finite"}},
         {[&](auto& c) { c.head.directions[3].azimuth = nan; }, {"measurement 4", "direction"}},
+        {[](auto& c) { c.head.directions[4].elevation = 91.0; }, {"measurement 5", "elevation 91"}},
+        {[](auto& c) { c.head.directions[5].azimuth = -3600.0; }, {"measurement 6", "azimuth -3600"}},
         {[](auto& c) { c.head.responses[2][0].assign(256, 0.0); }, {"measurement 3 is silent"}},
         {[&](auto& c) { shortened(c, 64); }, {"64 samples at 48000 Hz", "2 ms"}},
         {[](auto& c) { c.head = ball(48000.0, 0.0); },
