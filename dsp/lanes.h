@@ -17,6 +17,7 @@
 #define ZOQ_PASTE(a, b)  ZOQ_PASTE_(a, b)
 #define ZOQ_LEVEL        ZOQ_PASTE(lanes, ZOQ_LANES)
 #define ZOQ_INLINE       [[gnu::always_inline]] static inline
+#define ZOQ_MEMBER       [[gnu::always_inline]] inline
 
 // In front of a loop over an array that is meant to stay in registers.
 #ifdef __clang__
@@ -177,6 +178,12 @@ ZOQ_INLINE Lanes shuffle(Lanes a, Lanes b) {
     return lanes_of(__builtin_shufflevector(vector_of(a), vector_of(b), I...));
 }
 
+ZOQ_INLINE IntLanes load_ints(const int32_t* x) {
+    IntLanes v;
+    __builtin_memcpy(&v, x, sizeof v);
+    return v;
+}
+
 using LaneIndices = std::make_integer_sequence<int, kLanes>;
 
 // 0, 1, 2, ...
@@ -323,6 +330,76 @@ ZOQ_INLINE HalfFloats floats_of(Doubles x) {
 }
 ZOQ_INLINE bool any(HalfInts mask) {
     return (mask[0] | mask[1]) != 0;
+}
+#endif
+
+// Lanes in quarters of four, between which shuffles are cheap: of each quarter the even or the odd lanes of a and
+// then b; the lower or the upper lanes of a and b in turn.
+template <int... I>
+ZOQ_INLINE Lanes even_in_quarters(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 4 / 2 * kLanes + I % 2 * 2)...>(a, b);
+}
+template <int... I>
+ZOQ_INLINE Lanes odd_in_quarters(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 4 / 2 * kLanes + I % 2 * 2 + 1)...>(a, b);
+}
+template <int... I>
+ZOQ_INLINE Lanes zip_lower(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 2 * kLanes + I % 4 / 2)...>(a, b);
+}
+template <int... I>
+ZOQ_INLINE Lanes zip_upper(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 2 * kLanes + I % 4 / 2 + 2)...>(a, b);
+}
+
+// Real and imaginary parts of kLanes complex values.
+struct ComplexLanes {
+    Lanes re, im;
+};
+
+// load_complex and store_complex: from and to interleaved re, im.
+#if ZOQ_LANES == 4
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load(x), b = load(x + 4);
+    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store(y, zip_lower(z.re, z.im, LaneIndices()));
+    store(y + 4, zip_upper(z.re, z.im, LaneIndices()));
+}
+#elif ZOQ_LANES == 8
+// A half at a time goes from and to memory without a shuffle.
+typedef float FourFloats __attribute__((vector_size(16), may_alias));
+typedef float UnalignedFourFloats __attribute__((vector_size(16), aligned(4), may_alias));
+
+ZOQ_INLINE Lanes join_halves(FourFloats lower, FourFloats upper) {
+    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+ZOQ_INLINE Lanes load_halves(const float* lower, const float* upper) {
+    return join_halves(*reinterpret_cast<const UnalignedFourFloats*>(lower),
+                       *reinterpret_cast<const UnalignedFourFloats*>(upper));
+}
+ZOQ_INLINE void store_halves(float* lower, float* upper, Lanes a) {
+    *reinterpret_cast<UnalignedFourFloats*>(lower) = __builtin_shufflevector(a, a, 0, 1, 2, 3);
+    *reinterpret_cast<UnalignedFourFloats*>(upper) = __builtin_shufflevector(a, a, 4, 5, 6, 7);
+}
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load_halves(x, x + 8), b = load_halves(x + 4, x + 12);
+    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store_halves(y, y + 8, zip_lower(z.re, z.im, LaneIndices()));
+    store_halves(y + 4, y + 12, zip_upper(z.re, z.im, LaneIndices()));
+}
+#else
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load(x), b = load(x + 16);
+    return {shuffle<0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30>(a, b),
+            shuffle<1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31>(a, b)};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store(y, shuffle<0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23>(z.re, z.im));
+    store(y + 16, shuffle<8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31>(z.re, z.im));
 }
 #endif
 
