@@ -266,73 +266,6 @@ ZOQ_INLINE Thirds load_three(const float* x) {
 }
 #endif
 
-// a[0] b[0] c[0] a[1] b[1] c[1] ...
-#ifdef ZOQ_NEON32
-ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
-    vst3q_f32(y, {a.v, b.v, c.v});
-}
-#else
-template <int J, int... I>  // vector J: one shuffle brings a and b to their places, another one c
-ZOQ_INLINE Lanes zip_three(Lanes a, Lanes b, Lanes c, std::integer_sequence<int, I...>) {
-    const Lanes ab = shuffle<((J * kLanes + I) / 3 + ((J * kLanes + I) % 3 == 1 ? kLanes : 0))...>(a, b);
-    return shuffle<((J * kLanes + I) % 3 == 2 ? kLanes + (J * kLanes + I) / 3 : I)...>(ab, c);
-}
-ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
-    store(y, zip_three<0>(a, b, c, LaneIndices()));
-    store(y + kLanes, zip_three<1>(a, b, c, LaneIndices()));
-    store(y + 2 * kLanes, zip_three<2>(a, b, c, LaneIndices()));
-}
-#endif
-
-// Doubles: half as many in a register. The conversions are the rounding ones of the language.
-constexpr int kDoubles = kLanes / 2;
-typedef double Doubles __attribute__((vector_size(8 * kDoubles)));
-typedef int64_t LongInts __attribute__((vector_size(8 * kDoubles)));
-typedef float HalfFloats __attribute__((vector_size(4 * kDoubles)));
-typedef int32_t HalfInts __attribute__((vector_size(4 * kDoubles)));
-
-// Compilers convert generic vectors piece by piece; masks of ones keep GCC 12 from warning of its own headers.
-#if ZOQ_LANES == 16
-ZOQ_INLINE Doubles doubles_of(HalfFloats x) {
-    return Doubles(_mm512_maskz_cvtps_pd(0xFF, __m256(x)));
-}
-ZOQ_INLINE Doubles doubles_of(HalfInts x) {
-    return Doubles(_mm512_maskz_cvtepi32_pd(0xFF, __m256i(x)));
-}
-ZOQ_INLINE HalfFloats floats_of(Doubles x) {
-    return HalfFloats(_mm512_maskz_cvtpd_ps(0xFF, __m512d(x)));
-}
-ZOQ_INLINE bool any(HalfInts mask) {
-    return _mm256_movemask_ps(__m256(mask)) != 0;
-}
-#elif ZOQ_LANES == 8
-ZOQ_INLINE Doubles doubles_of(HalfFloats x) {
-    return Doubles(_mm256_cvtps_pd(__m128(x)));
-}
-ZOQ_INLINE Doubles doubles_of(HalfInts x) {
-    return Doubles(_mm256_cvtepi32_pd(__m128i(x)));
-}
-ZOQ_INLINE HalfFloats floats_of(Doubles x) {
-    return HalfFloats(_mm256_cvtpd_ps(__m256d(x)));
-}
-ZOQ_INLINE bool any(HalfInts mask) {
-    return _mm_movemask_ps(__m128(mask)) != 0;
-}
-#else
-ZOQ_INLINE Doubles doubles_of(HalfFloats x) {
-    return __builtin_convertvector(x, Doubles);
-}
-ZOQ_INLINE Doubles doubles_of(HalfInts x) {
-    return __builtin_convertvector(x, Doubles);
-}
-ZOQ_INLINE HalfFloats floats_of(Doubles x) {
-    return __builtin_convertvector(x, HalfFloats);
-}
-ZOQ_INLINE bool any(HalfInts mask) {
-    return (mask[0] | mask[1]) != 0;
-}
-#endif
-
 // Lanes in quarters of four, between which shuffles are cheap: of each quarter the even or the odd lanes of a and
 // then b; the lower or the upper lanes of a and b in turn.
 template <int... I>
@@ -400,6 +333,73 @@ ZOQ_INLINE ComplexLanes load_complex(const float* x) {
 ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
     store(y, shuffle<0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23>(z.re, z.im));
     store(y + 16, shuffle<8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31>(z.re, z.im));
+}
+#endif
+
+// a[0] b[0] c[0] a[1] b[1] c[1] ...
+#ifdef ZOQ_NEON32
+ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
+    vst3q_f32(y, {a.v, b.v, c.v});
+}
+#else
+template <int J, int... I>  // vector J: one shuffle brings a and b to their places, another one c
+ZOQ_INLINE Lanes zip_three(Lanes a, Lanes b, Lanes c, std::integer_sequence<int, I...>) {
+    const Lanes ab = shuffle<((J * kLanes + I) / 3 + ((J * kLanes + I) % 3 == 1 ? kLanes : 0))...>(a, b);
+    return shuffle<((J * kLanes + I) % 3 == 2 ? kLanes + (J * kLanes + I) / 3 : I)...>(ab, c);
+}
+ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
+    store(y, zip_three<0>(a, b, c, LaneIndices()));
+    store(y + kLanes, zip_three<1>(a, b, c, LaneIndices()));
+    store(y + 2 * kLanes, zip_three<2>(a, b, c, LaneIndices()));
+}
+#endif
+
+// Doubles: half as many in a register. The conversions are the rounding ones of the language.
+constexpr int kDoubles = kLanes / 2;
+typedef double Doubles __attribute__((vector_size(8 * kDoubles)));
+typedef int64_t LongInts __attribute__((vector_size(8 * kDoubles)));
+typedef float HalfFloats __attribute__((vector_size(4 * kDoubles)));
+typedef int32_t HalfInts __attribute__((vector_size(4 * kDoubles)));
+
+// Compilers convert generic vectors piece by piece; masks of ones keep GCC 12 from warning of its own headers.
+#if ZOQ_LANES == 16
+ZOQ_INLINE Doubles doubles_of(HalfFloats x) {
+    return Doubles(_mm512_maskz_cvtps_pd(0xFF, __m256(x)));
+}
+ZOQ_INLINE Doubles doubles_of(HalfInts x) {
+    return Doubles(_mm512_maskz_cvtepi32_pd(0xFF, __m256i(x)));
+}
+ZOQ_INLINE HalfFloats floats_of(Doubles x) {
+    return HalfFloats(_mm512_maskz_cvtpd_ps(0xFF, __m512d(x)));
+}
+ZOQ_INLINE bool any(HalfInts mask) {
+    return _mm256_movemask_ps(__m256(mask)) != 0;
+}
+#elif ZOQ_LANES == 8
+ZOQ_INLINE Doubles doubles_of(HalfFloats x) {
+    return Doubles(_mm256_cvtps_pd(__m128(x)));
+}
+ZOQ_INLINE Doubles doubles_of(HalfInts x) {
+    return Doubles(_mm256_cvtepi32_pd(__m128i(x)));
+}
+ZOQ_INLINE HalfFloats floats_of(Doubles x) {
+    return HalfFloats(_mm256_cvtpd_ps(__m256d(x)));
+}
+ZOQ_INLINE bool any(HalfInts mask) {
+    return _mm_movemask_ps(__m128(mask)) != 0;
+}
+#else
+ZOQ_INLINE Doubles doubles_of(HalfFloats x) {
+    return __builtin_convertvector(x, Doubles);
+}
+ZOQ_INLINE Doubles doubles_of(HalfInts x) {
+    return __builtin_convertvector(x, Doubles);
+}
+ZOQ_INLINE HalfFloats floats_of(Doubles x) {
+    return __builtin_convertvector(x, HalfFloats);
+}
+ZOQ_INLINE bool any(HalfInts mask) {
+    return (mask[0] | mask[1]) != 0;
 }
 #endif
 

@@ -138,7 +138,7 @@ void x2b_accumulate(const X2bInputs& x, int channels, int partitions, const para
 
 void x2b_current_hop(const creal32_T* frame, float* out) {
     for (int i = 0; i < kHopSamples; i += kLanes) {
-        const Parts ears = ordered_parts(frame + kHopSamples + i);
+        const ComplexLanes ears = load_complex(&frame[kHopSamples + i].re);
         store(out + i, ears.re);
         store(out + kHopSamples + i, ears.im);
     }
