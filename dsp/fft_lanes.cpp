@@ -63,16 +63,19 @@ constexpr int reversed(int value, int count) {
     return result;
 }
 
-struct RowOrder {
-    uint8_t row[kRows];
-};
-constexpr RowOrder kOrder = [] {
-    RowOrder order{};
-    for (int i = 0; i < kRows; ++i) {
-        order.row[i] = uint8_t(reversed(i, kRows));
+// The numbers 0 to kCount - 1 with their bits reversed.
+template <int kCount>
+struct Reversed {
+    uint8_t of[kCount];
+    constexpr Reversed() : of() {
+        for (int i = 0; i < kCount; ++i) {
+            of[i] = uint8_t(reversed(i, kCount));
+        }
     }
-    return order;
-}();
+};
+constexpr Reversed<kRows> kReversedRow;
+constexpr Reversed<kLanes> kReversedLane;
+constexpr Reversed<8> kReversedOf8;
 
 // Where the rows of the transform come from.
 struct Interleaved {
@@ -134,7 +137,7 @@ ZOQ_INLINE void first_stages(Source source, ComplexLanes* rows) {
     for (int i = 0; i < kRows; i += 8) {
         ComplexLanes z[8];
         ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
-            z[k] = source.row(kOrder.row[i] + reversed(k, 8) * (kRows / 8));
+            z[k] = source.row(kReversedRow.of[i] + kReversedOf8.of[k] * (kRows / 8));
         }
         two_stages(z, Unit(), Unit(), quarter);
         two_stages(z + 4, Unit(), Unit(), quarter);
@@ -232,17 +235,11 @@ ZOQ_INLINE void stage_across(ComplexLanes* z, int i) {
 template <bool kFirst, typename Sink>
 ZOQ_INLINE void last_stages_at(const ComplexLanes* rows, int i, Sink sink) {
     Lanes re[kLanes], im[kLanes];
-    ZOQ_UNROLL for (int k = 0; k < kLanes; ++k) {
-        re[k] = rows[i + k].re;
-    }
-    transpose(re);
-    ZOQ_UNROLL for (int k = 0; k < kLanes; ++k) {
-        im[k] = rows[i + k].im;
-    }
-    transpose(im);
+    load_transposed(&rows[i].re, 2, re);
+    load_transposed(&rows[i].im, 2, im);
     ComplexLanes z[kLanes];
     ZOQ_UNROLL for (int b = 0; b < kLanes; ++b) {
-        z[b] = {re[reversed(b, kLanes)], im[reversed(b, kLanes)]};
+        z[b] = {re[kReversedLane.of[b]], im[kReversedLane.of[b]]};
     }
     stage_across<1, kFirst>(z, i);
     ZOQ_UNROLL for (int b = 0; b < kLanes; ++b) {
@@ -265,21 +262,23 @@ ZOQ_INLINE void transform(Source source, Sink sink) {
     transform(PlanesInverse{&spectrum}, ToInterleavedInverse{frame});
 }
 
-// Whether a host has left the table as it was built: entry i + h is entry i plus 512 / h for every i below h = 1, 2,
-// 4, ..., and entry 0 is 0.
+constexpr struct BitReversal {
+    alignas(64) int32_t of[kFrameSamples];
+    constexpr BitReversal() : of() {
+        for (int i = 0; i < kFrameSamples; ++i) {
+            of[i] = reversed(i, kFrameSamples);
+        }
+    }
+} kBitReversal;
+
+// Whether a host has left the table as it was built.
 bool is_bit_reversal(const int32_t* table) {
-    for (int i = 0; i < kLanes; ++i) {
-        if (table[i] != reversed(i, kFrameSamples)) {
-            return false;
-        }
+    IntLanes wrong{}, alsoWrong{};
+    for (int i = 0; i < kFrameSamples; i += 2 * kLanes) {
+        wrong |= load_ints(table + i) ^ load_ints(kBitReversal.of + i);
+        alsoWrong |= load_ints(table + i + kLanes) ^ load_ints(kBitReversal.of + i + kLanes);
     }
-    IntLanes wrong{};
-    for (int h = kLanes; h < kFrameSamples; h *= 2) {
-        const IntLanes step = IntLanes{} + kFrameSamples / 2 / h;
-        for (int i = 0; i < h; i += kLanes) {
-            wrong |= (load_ints(table + h + i) - load_ints(table + i)) ^ step;
-        }
-    }
+    wrong |= alsoWrong;
     int32_t any = 0;
     for (int lane = 0; lane < kLanes; ++lane) {
         any |= wrong[lane];

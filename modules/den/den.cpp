@@ -7,8 +7,9 @@
 #include "dsp/fft.h"
 #include "dsp/fft_tables.h"
 #include "dsp/grid.h"
-#include "dsp/poison.h"
 #include "dsp/kernel_level.h"
+#include "dsp/poison.h"
+#include "dsp/shared_value.h"
 #include "modules/den/den_kernels.h"
 #include "modules/den/den_tables.h"
 
@@ -346,7 +347,7 @@ void reset_if_poisoned() {
 
 void factory_contents(parameterDEN* record) {
     record->smoothFactor = 0.8f;
-    record->centerSpeechGain = 2.0f;
+    store_shared(record->centerSpeechGain, 2.0f);
     record->baseGain = 1.0f;
     record->wideAmount = 3.0f;
     record->stereoOutput = 0.0f;

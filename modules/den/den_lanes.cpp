@@ -2,6 +2,7 @@
 // there four sums of one band do.
 #include "dsp/complex_lanes.h"
 #include "dsp/fft_tables.h"
+#include "dsp/quads.h"
 #include "modules/den/den_kernels.h"
 
 namespace android::ZOQ_LEVEL {
@@ -20,7 +21,7 @@ struct BandSums {
 
 void sum_bands(const DenBands& bands, int count, const BinPairs& bins, BandSums& out) {
     for (int j = 0; j < count; ++j) {
-        Quad sum = quad(0.0f);
+        Quad sum = broadcast_quad(0.0f);
         for (int k = bands.band[j].first; k < bands.band[j].end; ++k) {
             sum = sum + load_pairs(&bins.first[k].re, &bins.second[k].re);
         }

@@ -216,7 +216,7 @@ void factory_contents(parameterX2B* record) {
     std::copy(&kContraResponse[0][0][0], &kContraResponse[0][0][0] + kTableBins,
               &record->contraResponse[0][0][0]);
     record->headphoneDrc = kHeadphoneDrc;
-    record->surroundWidth = 0.0f;
+    store_shared(record->surroundWidth, 0.0f);
 }
 
 void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float* out) {
