@@ -188,8 +188,8 @@ void advance(int partitions) {
         return;
     }
     for (auto& slots : state.accumulator) {
-        std::copy(slots[1], slots[1] + (partitions - 1) * kBins, slots[0]);
-        std::fill(slots[partitions - 1], slots[partitions - 1] + kBins, creal32_T{});
+        std::copy(slots[1], slots[partitions - 1] + kBins, slots[0]);
+        std::fill_n(slots[partitions - 1], kBins, creal32_T{});
     }
 }
 
