@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "chain/absurd_settings.h"
+#include "dsp/poison.h"
 #include "dsp/shared_value.h"
 
 namespace android {
@@ -23,6 +25,18 @@ struct Overlap {
 };
 
 Overlap overlap[kChainChannels];  // reset: 0
+
+bool wasAbsurd = false;  // whether the hop before ran under absurd settings; survives a reset
+
+// What they leave in the memories may pass for the work of sane ones, which a compressor takes many seconds to
+// forget, so the first sane hop starts afresh.
+void reset_after_absurd_settings(bool absurd) {
+    if (wasAbsurd && !absurd) {
+        stereoWidening_frame_initialize();
+        ++poisonResets;
+    }
+    wasAbsurd = absurd;
+}
 
 void headphone_control_values(const parameterX2B& x2b, parameterDEN& den) {
     const float w = load_shared(x2b.surroundWidth);
@@ -148,6 +162,8 @@ void stereoWidening_frame(float* frameIn, float channelCount, uint8_t headphone,
                           parameterTWS* tws, const parameterEQ* eq, const parameterDRC* drc,
                           const parameterVB* vb, const parameterX2B* x2b, const parameterGEQ* geq,
                           float* frameOut) {
+    reset_after_absurd_settings(headphone != 0 ? headphone_settings_absurd(*den, *x2b, *geq)
+                                               : speaker_settings_absurd(*den, *tws, *eq, *drc, *vb, *geq));
     if (headphone != 0) {
         headphone_control_values(*x2b, *den);
     } else {

@@ -19,10 +19,44 @@ endif()
 # changes no value; it lets a square root be one instruction.
 set(ZOQ_NUMERIC_FLAGS -ffp-contract=off -fno-fast-math -fno-math-errno)
 
+if(ZOQ_CHECK_KERNELS)
+  add_compile_definitions(ZOQ_CHECK_KERNELS)
+endif()
+
+# The lanes for which this target has fast kernels, and what its compiler needs for them beyond the target's base
+# set. GCC fuses products and sums where the target has FMA, so the wide kernels go without it; clang, which does not,
+# takes AVX-512 away, too, if it may not have FMA.
+set(ZOQ_KERNEL_LANES 4)
+set(ZOQ_KERNEL_FLAGS_4 "")
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
+  list(APPEND ZOQ_KERNEL_LANES 8 16)
+  set(ZOQ_KERNEL_FLAGS_8 -mavx2 -mno-fma)
+  set(ZOQ_KERNEL_FLAGS_16 -mavx512f -mavx512dq -mavx512bw -mavx512vl -mprefer-vector-width=512
+      $<$<CXX_COMPILER_ID:GNU>:-mno-fma>)
+endif()
+
+# Adds to a list of sources each kernel file once per level, as a small file that says the lanes and includes it.
+#   zoq_kernels(<list> <name>_lanes.cpp...)
+function(zoq_kernels list)
+  set(sources ${${list}})
+  foreach(file ${ARGN})
+    foreach(lanes ${ZOQ_KERNEL_LANES})
+      string(REPLACE ".cpp" "${lanes}.cpp" instance "${CMAKE_CURRENT_BINARY_DIR}/${file}")
+      file(CONFIGURE OUTPUT "${instance}"
+           CONTENT "#define ZOQ_LANES ${lanes}\n#include \"${CMAKE_CURRENT_SOURCE_DIR}/${file}\"\n")
+      set_source_files_properties("${instance}" PROPERTIES COMPILE_OPTIONS "${ZOQ_KERNEL_FLAGS_${lanes}}")
+      list(APPEND sources "${instance}")
+    endforeach()
+  endforeach()
+  set(${list} ${sources} PARENT_SCOPE)
+endfunction()
+
 # A room of the engine: a static library of position-independent objects that links only what its line names.
-#   zoq_room(<name> SOURCES <file>... [LINKS <room>...])
+# KERNELS are files built once per level of dsp/lanes.h.
+#   zoq_room(<name> SOURCES <file>... [KERNELS <name>_lanes.cpp...] [LINKS <room>...])
 function(zoq_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "SOURCES;KERNELS;LINKS" ${ARGN})
+  zoq_kernels(ROOM_SOURCES ${ROOM_KERNELS})
   add_library(${name} STATIC ${ROOM_SOURCES})
   target_compile_options(${name} PRIVATE ${ZOQ_WARNINGS} ${ZOQ_NUMERIC_FLAGS} -fno-exceptions -fno-rtti
                                          -fvisibility-inlines-hidden

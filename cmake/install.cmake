@@ -11,7 +11,7 @@ install(TARGETS zoq2processing EXPORT zoq2processing
 install(FILES include/zoq2processing.h include/audio_parameter.h DESTINATION "${ZOQ_HEADERS_DIR}"
         COMPONENT development)
 install(DIRECTORY chain dsp modules platform DESTINATION "${ZOQ_HEADERS_DIR}" COMPONENT development
-        FILES_MATCHING PATTERN "*.h" PATTERN "*_tables.h" EXCLUDE)
+        FILES_MATCHING PATTERN "*.h" PATTERN "*_tables.h" EXCLUDE PATTERN "kernel_*.h" EXCLUDE PATTERN "lanes.h" EXCLUDE)
 
 set(ZOQ_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/zoq2processing")
 install(EXPORT zoq2processing NAMESPACE zoq:: FILE zoq2processing-config.cmake DESTINATION "${ZOQ_CMAKE_DIR}"

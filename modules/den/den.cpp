@@ -7,6 +7,7 @@
 #include "dsp/fft.h"
 #include "dsp/fft_tables.h"
 #include "dsp/grid.h"
+#include "dsp/poison.h"
 #include "modules/den/den_tables.h"
 
 namespace android {
@@ -31,6 +32,10 @@ constexpr float kLeastFluctuation = 20.0f;                 // quieter centres sa
 constexpr float kNoSpeech = -2.0f;                         // the lowest value the detector can reach
 constexpr float kAttackNew = 0.3f, kAttackOld = 0.7f;      // speech is believed within a few hops
 constexpr float kReleaseNew = 0.02f, kReleaseOld = 0.98f;  // and given up over tens of hops
+
+// No memory gets there: a full-scale pair in opposite phase, all of it in one band of 19 bins, has a power below
+// 19 x 4 x 1024 x 512 / 2 and twice as much after the widening; the speech activity is smoothed from -2 .. 2.
+constexpr float kPoisonedPower = 1e12f, kPoisonedActivity = 3.0f;
 
 // Last bins, counted from 1, of the factory bands: two bins wide to 2 kHz, then near a sixth of an octave.
 // Each band starts behind the one before it.
@@ -278,6 +283,15 @@ void fold_centre(float* io) {
     }
 }
 
+void reset_if_poisoned() {
+    if (is_poisoned(state.bdiffSm, kPoisonedActivity) || is_poisoned(state.sidePowerSm, kPoisonedPower) ||
+        is_poisoned(state.midPowerSm, kPoisonedPower) || is_poisoned(state.centerEnergySm, kPoisonedPower) ||
+        is_poisoned(state.sideEnergySm, kPoisonedPower) || is_poisoned(state.history, kPoisonedPower)) {
+        bdiff_sm_not_empty_init();
+        ++poisonResets;
+    }
+}
+
 }  // namespace
 
 void factory_contents(parameterDEN* record) {
@@ -328,6 +342,7 @@ void DialogueEnhancementWide(float* io, float smoothFactor, float centerSpeechGa
     if (stereoOutput != 0.0f) {
         fold_centre(io);
     }
+    reset_if_poisoned();
 }
 
 void bdiff_sm_not_empty_init() {
