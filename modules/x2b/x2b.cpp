@@ -1,6 +1,7 @@
 #include "modules/x2b/x2b.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "dsp/complex.h"
 #include "dsp/fft.h"
@@ -203,7 +204,7 @@ void advance(int partitions) {
     }
     std::rotate(rowOf, rowOf + 1, rowOf + partitions);
     for (auto& rows : state.accumulator) {
-        std::fill_n(rows[rowOf[partitions - 1]], kBins, creal32_T{});
+        std::memset(rows[rowOf[partitions - 1]], 0, sizeof rows[0]);
     }
 }
 

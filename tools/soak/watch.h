@@ -52,7 +52,8 @@ class Watch {
     int64_t heardFrames_ = 0;  // of music behind hostile settings
     double heardIn_ = 0.0, heardOut_ = 0.0;
     bool afterHostile_ = false;
-    int mixRampBefore_ = 0;
+    int mixRampBefore_ = 0, queuedBefore_ = 0;
+    bool ranDry_ = false;  // the queue was short, so that the block came back as it was
 };
 
 }  // namespace soak
