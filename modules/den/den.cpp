@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "dsp/complex.h"
 #include "dsp/fft.h"
@@ -42,7 +43,8 @@ struct State {
     float bdiffSm;  // smoothed speech activity, not clamped
     DenPowers powerSm;
     DenEnergies energySm;
-    DenMagnitudes history[kHistoryHops];  // slot 0 is the newest; only hops that look for speech write it
+    DenMagnitudes history[kHistoryHops];  // only hops that look for speech write theirs
+    int newest;  // the slot of this hop; those of the hops before follow it, around the end
 };
 
 State state;
@@ -81,8 +83,13 @@ void halve(float* io) {
     }
 }
 
-void rotate_history() {
-    std::rotate(state.history, state.history + kHistoryHops - 1, state.history + kHistoryHops);
+DenMagnitudes& magnitudes(int hopsAgo) {
+    return state.history[(state.newest + hopsAgo) % kHistoryHops];
+}
+
+// The oldest hop's slot becomes this hop's.
+void turn_history() {
+    state.newest = (state.newest + kHistoryHops - 1) % kHistoryHops;
 }
 
 // p runs from -1 (left) to +1 (right); the gains meet at 0.706 in the middle.
@@ -231,9 +238,9 @@ void analyse(const float* io, DenSpectra& s) {
     float windowed[2 * kFrameSamples];
     den_window_pair_kernel.run({{windowed, sizeof windowed}}, io, windowed);
     split_stereo_spectrum(windowed, windowed + kFrameSamples, s.left, s.right);
-    std::fill(s.left + kBins, s.left + kDenBinRow, creal32_T{});
-    std::fill(s.right + kBins, s.right + kDenBinRow, creal32_T{});
-    std::fill(s.centre, s.centre + kDenBinRow, creal32_T{});
+    std::memset(s.left + kBins, 0, sizeof s.left - kBins * sizeof(creal32_T));
+    std::memset(s.right + kBins, 0, sizeof s.right - kBins * sizeof(creal32_T));
+    std::memset(s.centre, 0, sizeof s.centre);
 }
 
 void widen(float wideAmount, const float* wideCurve, DenSpectra& s) {
@@ -254,7 +261,7 @@ void extract_centre(const DenBands& bands, float smoothFactor, bool subtract, De
 }
 
 void measure_bands(const DenBands& bands, const DenSpectra& s, float* share) {
-    DenMagnitudes& newest = state.history[0];
+    DenMagnitudes& newest = magnitudes(0);
     if (bands.adjoin) {
         den_measure_bands_kernel.run({{&state.energySm, sizeof state.energySm},
                                       {&newest, sizeof newest},
@@ -275,11 +282,12 @@ void scale_bands(const DenBands& bands, const float* gain, DenSpectra& s) {
 
 // -2 .. 2: whether the centre or the side fluctuates more between the two newer and the two older hops.
 float fluctuation() {
-    const DenMagnitudes* h = state.history;
+    const DenMagnitudes &newest = magnitudes(0), &newer = magnitudes(1);
+    const DenMagnitudes &older = magnitudes(2), &oldest = magnitudes(3);
     float centre = 0.0f, side = 0.0f;
     for (int j = kFirstFluctuationBand; j <= kLastFluctuationBand; ++j) {
-        const float centreStep = (h[0].centre[j] + h[1].centre[j]) - (h[2].centre[j] + h[3].centre[j]);
-        const float sideStep = (h[0].side[j] + h[1].side[j]) - (h[2].side[j] + h[3].side[j]);
+        const float centreStep = (newest.centre[j] + newer.centre[j]) - (older.centre[j] + oldest.centre[j]);
+        const float sideStep = (newest.side[j] + newer.side[j]) - (older.side[j] + oldest.side[j]);
         centre += centreStep * centreStep;
         side += sideStep * sideStep;
     }
@@ -374,7 +382,7 @@ void DialogueEnhancementWide(float* io, float smoothFactor, float centerSpeechGa
     }
     DenSpectra s;
     const DenBands bands = bands_of(bandStart, bandEnd);
-    rotate_history();
+    turn_history();
     analyse(io, s);
     if (wideAmount > 0.0f) {
         widen(wideAmount, wideCurve, s);
