@@ -9,7 +9,7 @@ find dsp platform modules chain include host tables tools adapters \( -name '*.h
         platform = "(android/log|system/audio|utils/(Errors|SortedVector|String8))\\.h"
         public = "(zoq2processing|audio_parameter)\\.h"
         modules = "modules/(den/den|tws/tws|vb/vb|x2b/x2b|geq/geq|eq/eq|drc/drc)\\.h"
-        shared = "dsp/(frame|shared_value)\\.h"
+        shared = "dsp/(frame|poison|shared_value)\\.h"
         # What each room may name, beside its own headers.
         may["dsp"] = "none"
         may["platform"] = platform
@@ -20,7 +20,7 @@ find dsp platform modules chain include host tables tools adapters \( -name '*.h
         may["host"] = public "|" platform "|chain/.*|" modules "|" shared
         may["tables"] = "dsp/.*|modules/.*"
         may["adapters"] = public "|" platform "|host/.*"
-        may["tools"] = may["adapters"] "|tables/.*"
+        may["tools"] = may["adapters"] "|tables/.*|dsp/poison\\.h"
     }
     FNR == 1 {
         files++

@@ -44,11 +44,7 @@ void run(Command& command) {
         return;
     }
     SimulationOptions& options = command.options;
-    resolve(options.engine, [&command](const std::string& message) {
-        if (!command.quiet) {
-            std::fprintf(stderr, "zoq: %s\n", message.c_str());
-        }
-    });
+    resolve(options.engine);
     std::vector<TimedHostText> texts = command.events;
     if (!command.schedule.empty()) {
         const auto more = read_schedule(read_text(command.schedule), command.schedule);
