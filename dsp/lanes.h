@@ -357,7 +357,6 @@ ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
 // Doubles: half as many in a register. The conversions are the rounding ones of the language.
 constexpr int kDoubles = kLanes / 2;
 typedef double Doubles __attribute__((vector_size(8 * kDoubles)));
-typedef int64_t LongInts __attribute__((vector_size(8 * kDoubles)));
 typedef float HalfFloats __attribute__((vector_size(4 * kDoubles)));
 typedef int32_t HalfInts __attribute__((vector_size(4 * kDoubles)));
 
