@@ -1,7 +1,6 @@
 #include "tools/zoq/simulate/command.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 
 #include "tools/zoq/failure.h"
@@ -17,7 +16,7 @@ struct Command {
     SimulationOptions options;
     std::vector<TimedHostText> events;
     std::string schedule, picture;
-    bool scan = false, json = false, quiet = false;
+    bool scan = false, json = false;
 };
 
 constexpr char kFooter[] =
@@ -78,7 +77,6 @@ void add_simulate_command(CLI::App& app) {
     simulate->add_flag("--scan", command->scan,
                        "instead: run every block size from 1 to 4096 and name those that never underrun");
     simulate->add_flag("--json", command->json, "print everything as JSON instead of text");
-    simulate->add_flag("-q,--quiet", command->quiet, "no messages but errors");
     simulate->callback([command] { run(*command); });
 }
 
