@@ -15,9 +15,9 @@ find dsp platform modules chain include host tables tools adapters \( -name '*.h
         may["platform"] = platform
         may["modules"] = "dsp/.*"
         may["modules/x2b"] = "dsp/.*|modules/drc/drc\\.h"
-        may["chain"] = modules "|" shared
+        may["chain"] = modules "|" shared "|dsp/grid\\.h"
         may["include"] = platform "|chain/.*|" modules "|dsp/(fft|frame|grid|section)\\.h"
-        may["host"] = public "|" platform "|chain/.*|" modules "|" shared
+        may["host"] = public "|" platform "|chain/.*|" modules "|" shared "|dsp/pcm\\.h"
         may["tables"] = "dsp/.*|modules/.*"
         may["adapters"] = public "|" platform "|host/.*"
         may["tools"] = may["adapters"] "|tables/.*|dsp/poison\\.h"
