@@ -6,6 +6,7 @@
 
 #include "tools/zoq/config_command.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/output_file.h"
 #include "tools/zoq/text_file.h"
 #include "tools/zoq/tuning/config_check.h"
 #include "tools/zoq/tuning/config_fix.h"
@@ -72,6 +73,7 @@ int fix(const CheckCommand& command, const std::string& fileText, const std::str
 int check(const CheckCommand& command) {
     check_options(command);
     const std::string file = command.file == "-" ? "standard input" : command.file;
+    require_files_apart({{"FILE", command.file}}, {{"--output (--in-place replaces it)", command.output}});
     const std::string fileText = command.hasFile ? read_text(command.file) : "";
     if (command.fix) {
         return fix(command, fileText, file);

@@ -6,6 +6,7 @@
 #include "tools/zoq/config_command.h"
 #include "tools/zoq/failure.h"
 #include "tools/zoq/gnuplot.h"
+#include "tools/zoq/output_file.h"
 #include "tools/zoq/plot.h"
 #include "tools/zoq/text_file.h"
 #include "tools/zoq/tuning/config_check.h"
@@ -71,6 +72,8 @@ void check_options(const WriteCommand& command) {
 
 void write(const WriteCommand& command) {
     check_options(command);
+    require_files_apart({{"the file of --from", command.from}, {"the file of --eq", command.eq}},
+                        {{"--output", command.output}, {"--plot", command.plot}});
     const Dialect dialect = command.asString ? Dialect::kString : Dialect::kFile;
     Settings settings;
     if (!command.from.empty()) {

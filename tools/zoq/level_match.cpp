@@ -6,7 +6,6 @@
 
 #include "tools/zoq/audio_input.h"
 #include "tools/zoq/audio_output.h"
-#include "tools/zoq/failure.h"
 #include "tools/zoq/interruption.h"
 #include "tools/zoq/stereo_source.h"
 
@@ -28,9 +27,6 @@ int16_t scaled(int16_t sample, double gain, int64_t& clipped) {
 LevelMatch write_level_matched(const std::string& input, const std::string& output, const Loudness& before,
                                const Loudness& after) {
     AudioInput audio(input);
-    if (audio.is_same_file(output)) {
-        throw Failure("INPUT and the level-matched file are the same, " + quoted(output));
-    }
     StereoSource source(audio);
     AudioOutput file(output);
     LevelMatch match;

@@ -10,6 +10,7 @@
 #include "tools/zoq/measure/measurements.h"
 #include "tools/zoq/measure/pictures.h"
 #include "tools/zoq/measure/reports.h"
+#include "tools/zoq/output_file.h"
 #include "tools/zoq/text_file.h"
 
 namespace zoq {
@@ -125,6 +126,7 @@ void check(const Command& command) {
 void run(Command& command) {
     MeasureOptions& options = command.options;
     check(command);
+    require_files_apart(files_of(options.engine), {{"--csv", command.csv}, {"--plot", command.picture}});
     options.what = chosen(command.what);
     options.excitation = kExcitations.at(command.excitation);
     const bool quiet = command.quiet;

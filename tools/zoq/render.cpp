@@ -4,6 +4,7 @@
 #include "tools/zoq/audio_output.h"
 #include "tools/zoq/failure.h"
 #include "tools/zoq/formatted.h"
+#include "tools/zoq/output_file.h"
 #include "tools/zoq/renderer.h"
 #include "tools/zoq/stereo_source.h"
 
@@ -46,7 +47,7 @@ void check_level_match(const RenderOptions& options) {
     if (options.input == "-") {
         throw UsageFailure("--level-match reads the input twice, which standard input does not allow");
     }
-    if (options.levelMatch == "-" || options.levelMatch == options.output) {
+    if (options.levelMatch == "-") {
         throw UsageFailure("--level-match needs a file of its own");
     }
     output_format(options.levelMatch);
@@ -60,10 +61,12 @@ RenderResult render(const RenderOptions& options, const Note& note) {
         check_level_match(options);
     }
     output_format(options.output);  // a name without a known ending is refused before anything is read
+    std::vector<NamedFile> read = files_of(options.engine);
+    read.push_back({"INPUT", options.input});
+    require_files_apart(read, {{"OUTPUT", options.output},
+                               {"the file of --level-match", options.levelMatch},
+                               {"the file of --curves", options.curves}});
     AudioInput input(options.input);
-    if (options.output != "-" && input.is_same_file(options.output)) {
-        throw Failure("INPUT and OUTPUT are the same file, " + quoted(options.output));
-    }
     StereoSource source(input);
     EngineSession session(options.engine.blockFrames);
     apply(options.engine, session);

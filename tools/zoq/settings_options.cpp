@@ -109,6 +109,14 @@ void apply(const EngineSettings& settings, EngineSession& session) {
     }
 }
 
+std::vector<NamedFile> files_of(const EngineSettings& settings) {
+    std::vector<NamedFile> files;
+    for (const std::string& path : settings.files) {
+        files.push_back({"the file of --config", path});
+    }
+    return files;
+}
+
 bool is_number(const std::string& text) {
     double value = 0.0;
     const char* end = text.data() + text.size();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/zoq/engine_session.h"
+#include "tools/zoq/output_file.h"
 
 namespace CLI {
 class App;
@@ -36,6 +37,9 @@ void resolve(EngineSettings& settings, const UnknownSetting& unknown);
 
 // Everything but the processing switch, after resolve(), in any number of sessions.
 void apply(const EngineSettings& settings, EngineSession& session);
+
+// The files that are read, by name.
+std::vector<NamedFile> files_of(const EngineSettings& settings);
 
 // Whether all of a text is a finite number.
 bool is_number(const std::string& text);
