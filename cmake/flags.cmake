@@ -60,6 +60,8 @@ function(zoq_room name)
   add_library(${name} STATIC ${ROOM_SOURCES})
   target_compile_options(${name} PRIVATE ${ZOQ_WARNINGS} ${ZOQ_NUMERIC_FLAGS} -fno-exceptions -fno-rtti
                                          -fvisibility-inlines-hidden
+                                         # types too, for debuggers and the comparison of interfaces
+                                         $<$<CONFIG:RelWithDebInfo>:-g>
                                          # refuses flags under which the same source gives other bits
                                          "SHELL:-include ${PROJECT_SOURCE_DIR}/dsp/numerics.h")
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")

@@ -60,40 +60,27 @@ ZOQ_INLINE Lanes product(Lanes h, Factor x) {
 
 // Two vectors of complex values as a vector of their real parts and one of their imaginary parts. The order within
 // them is that of shuffles inside groups of four; zip_first and zip_second lead back to the two vectors.
-struct Parts {
-    Lanes re, im;
-};
-
 template <int... I>
-ZOQ_INLINE Parts parts_of(Lanes first, Lanes second, std::integer_sequence<int, I...>) {
+ZOQ_INLINE ComplexLanes parts_of(Lanes first, Lanes second, std::integer_sequence<int, I...>) {
     return {shuffle<((I & ~3) + I % 2 * 2 + I / 2 % 2 * kLanes)...>(first, second),
             shuffle<((I & ~3) + I % 2 * 2 + I / 2 % 2 * kLanes + 1)...>(first, second)};
 }
-ZOQ_INLINE Parts parts_of(Lanes first, Lanes second) {
+ZOQ_INLINE ComplexLanes parts_of(Lanes first, Lanes second) {
     return parts_of(first, second, LaneIndices());
 }
 template <int... I>
-ZOQ_INLINE Lanes zip_first(Parts x, std::integer_sequence<int, I...>) {
+ZOQ_INLINE Lanes zip_first(ComplexLanes x, std::integer_sequence<int, I...>) {
     return shuffle<((I & ~3) + I / 2 % 2 + I % 2 * kLanes)...>(x.re, x.im);
 }
-ZOQ_INLINE Lanes zip_first(Parts x) {
+ZOQ_INLINE Lanes zip_first(ComplexLanes x) {
     return zip_first(x, LaneIndices());
 }
 template <int... I>
-ZOQ_INLINE Lanes zip_second(Parts x, std::integer_sequence<int, I...>) {
+ZOQ_INLINE Lanes zip_second(ComplexLanes x, std::integer_sequence<int, I...>) {
     return shuffle<((I & ~3) + I / 2 % 2 + 2 + I % 2 * kLanes)...>(x.re, x.im);
 }
-ZOQ_INLINE Lanes zip_second(Parts x) {
+ZOQ_INLINE Lanes zip_second(ComplexLanes x) {
     return zip_second(x, LaneIndices());
-}
-
-// The same in the order of the values, for parts that go different ways.
-template <int... I>
-ZOQ_INLINE Parts ordered_parts(Lanes first, Lanes second, std::integer_sequence<int, I...>) {
-    return {shuffle<(2 * I)...>(first, second), shuffle<(2 * I + 1)...>(first, second)};
-}
-ZOQ_INLINE Parts ordered_parts(const creal32_T* x) {
-    return ordered_parts(load(x), load(x + kPairs), LaneIndices());
 }
 
 }  // namespace android::ZOQ_LEVEL

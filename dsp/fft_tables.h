@@ -5,9 +5,15 @@
 
 namespace android {
 
-extern const float kTwiddleCos[kBins];          // cos(2 pi j / 1024)
-extern const float kTwiddleForwardSin[kBins];   // -sin(2 pi j / 1024)
-extern const float kTwiddleInverseSin[kBins];   // +sin(2 pi j / 1024)
+extern const float kTwiddleCos[kBins];         // cos(2 pi j / 1024)
+extern const float kTwiddleForwardSin[kBins];  // -sin(2 pi j / 1024)
+extern const float kTwiddleInverseSin[kBins];  // +sin(2 pi j / 1024)
+
+// The forward twiddles again, those of each stage side by side in the order of their use: entry span + offset belongs
+// to values `span` apart, e^(-j pi offset / span) for offsets below the span.
+extern const float kStageCos[kFrameSamples];
+extern const float kStageSin[kFrameSamples];
+
 extern const float kSineWindow[kFrameSamples];  // sin(pi n / 1024); squares a half frame apart sum to 1
 
 }  // namespace android

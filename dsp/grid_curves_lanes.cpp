@@ -82,22 +82,16 @@ ZOQ_INLINE void follow_block(Curve curve, Library library, const float* x, float
 template <typename Curve, typename Library>
 ZOQ_INLINE void follow(Curve curve, Library library, const float* x, float* out) {
     constexpr int kRest = kGridPoints % kDoubles, kWhole = kGridPoints - kRest;
-    if constexpr (kHasDoubles) {
-        for (int k = 0; k < kWhole; k += kDoubles) {
-            follow_block(curve, library, x + k, out + k);
-        }
-        float rest[kDoubles];
-        std::memcpy(rest, x + kWhole, kRest * sizeof(float));
-        for (int i = kRest; i < kDoubles; ++i) {
-            rest[i] = 1.0f;
-        }
-        follow_block(curve, library, rest, rest);
-        std::memcpy(out + kWhole, rest, kRest * sizeof(float));
-    } else {
-        for (int k = 0; k < kGridPoints; ++k) {
-            out[k] = library(x[k]);
-        }
+    for (int k = 0; k < kWhole; k += kDoubles) {
+        follow_block(curve, library, x + k, out + k);
     }
+    float rest[kDoubles];
+    std::memcpy(rest, x + kWhole, kRest * sizeof(float));
+    for (int i = kRest; i < kDoubles; ++i) {
+        rest[i] = 1.0f;
+    }
+    follow_block(curve, library, rest, rest);
+    std::memcpy(out + kWhole, rest, kRest * sizeof(float));
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #define ZOQ_PASTE(a, b)  ZOQ_PASTE_(a, b)
 #define ZOQ_LEVEL        ZOQ_PASTE(lanes, ZOQ_LANES)
 #define ZOQ_INLINE       [[gnu::always_inline]] static inline
+#define ZOQ_MEMBER       [[gnu::always_inline]] inline
 
 // In front of a loop over an array that is meant to stay in registers.
 #ifdef __clang__
@@ -38,6 +39,16 @@ namespace android::ZOQ_LEVEL {
 
 constexpr int kLanes = ZOQ_LANES;
 
+// How many vectors of second-order sections run at once: on x86 operands come from memory for free, elsewhere seven
+// registers each are to be had.
+#if defined(__x86_64__)
+constexpr int kSectionVectors = 5;
+#elif defined(ZOQ_NEON32)
+constexpr int kSectionVectors = 2;
+#else
+constexpr int kSectionVectors = 3;
+#endif
+
 // One integer per lane; as a mask all bits of a lane are set or none.
 typedef int32_t IntLanes __attribute__((vector_size(4 * kLanes)));
 typedef float FloatVector __attribute__((vector_size(4 * kLanes)));
@@ -56,8 +67,8 @@ ZOQ_INLINE Lanes operator-(Lanes a, Lanes b) {
 ZOQ_INLINE Lanes operator*(Lanes a, Lanes b) {
     return {vmulq_f32(a.v, b.v)};
 }
-ZOQ_INLINE Lanes operator-(Lanes a) {
-    return {vnegq_f32(a.v)};
+ZOQ_INLINE Lanes operator-(Lanes a) {  // the intrinsic for it comes out lane by lane
+    return {float32x4_t(IntLanes(a.v) ^ INT32_MIN)};
 }
 ZOQ_INLINE Lanes load(const float* x) {
     return {vld1q_f32(x)};
@@ -76,11 +87,24 @@ ZOQ_INLINE Lanes square_root(Lanes a) {
     return {float32x4_t{__builtin_sqrtf(a.v[0]), __builtin_sqrtf(a.v[1]), __builtin_sqrtf(a.v[2]),
                         __builtin_sqrtf(a.v[3])}};
 }
+// GCC 12 has no intrinsic that stays a vector comparison without fast maths.
 ZOQ_INLINE IntLanes less(Lanes a, Lanes b) {
-    return IntLanes(vcltq_f32(a.v, b.v));
+    IntLanes mask;
+    asm("vcgt.f32 %q0, %q1, %q2" : "=w"(mask) : "w"(b.v), "w"(a.v));
+    return mask;
 }
 ZOQ_INLINE IntLanes at_most(Lanes a, Lanes b) {
-    return IntLanes(vcleq_f32(a.v, b.v));
+    IntLanes mask;
+    asm("vcge.f32 %q0, %q1, %q2" : "=w"(mask) : "w"(b.v), "w"(a.v));
+    return mask;
+}
+ZOQ_INLINE Lanes select(IntLanes mask, Lanes a, Lanes b) {
+    return {vbslq_f32(uint32x4_t(mask), a.v, b.v)};
+}
+// Lanes kFirst and kFirst + 1, kFirst even, become *x and *y.
+template <int kFirst>
+ZOQ_INLINE Lanes with_pair(Lanes a, const float* x, const float* y) {
+    return {vld1q_lane_f32(y, vld1q_lane_f32(x, a.v, kFirst), kFirst + 1)};
 }
 // a + b * c and a - b * c, the product rounded before the sum.
 ZOQ_INLINE Lanes add_product(Lanes a, Lanes b, Lanes c) {
@@ -139,11 +163,10 @@ ZOQ_INLINE FloatVector vector_of(Lanes a) {
 ZOQ_INLINE Lanes lanes_of(FloatVector v) {
     return v;
 }
-#endif
-
 ZOQ_INLINE Lanes select(IntLanes mask, Lanes a, Lanes b) {
-    return lanes_of(mask ? vector_of(a) : vector_of(b));
+    return mask ? a : b;
 }
+#endif
 
 ZOQ_INLINE Lanes absolute(Lanes a) {
     return lanes_of(FloatVector(IntLanes(vector_of(a)) & 0x7FFFFFFF));
@@ -153,6 +176,12 @@ ZOQ_INLINE Lanes absolute(Lanes a) {
 template <int... I>
 ZOQ_INLINE Lanes shuffle(Lanes a, Lanes b) {
     return lanes_of(__builtin_shufflevector(vector_of(a), vector_of(b), I...));
+}
+
+ZOQ_INLINE IntLanes load_ints(const int32_t* x) {
+    IntLanes v;
+    __builtin_memcpy(&v, x, sizeof v);
+    return v;
 }
 
 using LaneIndices = std::make_integer_sequence<int, kLanes>;
@@ -192,21 +221,22 @@ ZOQ_INLINE Lanes down_by_two(Lanes a) {
     return down_by_two(a, LaneIndices());
 }
 
-// Lanes kFirst and kFirst + 1, kFirst even, become x and y.
+#ifndef ZOQ_NEON32
+// Lanes kFirst and kFirst + 1, kFirst even, become *x and *y.
 template <int kFirst, int... I>
-ZOQ_INLINE Lanes with_pair(Lanes a, float x, float y, std::integer_sequence<int, I...>) {
+ZOQ_INLINE Lanes with_pair(Lanes a, const float* x, const float* y, std::integer_sequence<int, I...>) {
     if constexpr (kLanes == 4) {  // one shuffle after x and y have met
-        const Lanes pair = lanes_of(FloatVector{x, y});
-        return shuffle<(I / 2 == kFirst / 2 ? I % 2 + kLanes : I)...>(a, pair);
+        return shuffle<(I / 2 == kFirst / 2 ? I % 2 + kLanes : I)...>(a, Lanes{*x, *y});
     } else {
-        const Lanes first = shuffle<(I == kFirst ? I + kLanes : I)...>(a, broadcast(x));
-        return shuffle<(I == kFirst + 1 ? I + kLanes : I)...>(first, broadcast(y));
+        const Lanes first = shuffle<(I == kFirst ? I + kLanes : I)...>(a, broadcast(*x));
+        return shuffle<(I == kFirst + 1 ? I + kLanes : I)...>(first, broadcast(*y));
     }
 }
 template <int kFirst>
-ZOQ_INLINE Lanes with_pair(Lanes a, float x, float y) {
+ZOQ_INLINE Lanes with_pair(Lanes a, const float* x, const float* y) {
     return with_pair<kFirst>(a, x, y, LaneIndices());
 }
+#endif
 
 // Lane 0 to x, lane 1 to y.
 ZOQ_INLINE void store_pair(float* x, float* y, Lanes a) {
@@ -236,6 +266,76 @@ ZOQ_INLINE Thirds load_three(const float* x) {
 }
 #endif
 
+// Lanes in quarters of four, between which shuffles are cheap: of each quarter the even or the odd lanes of a and
+// then b; the lower or the upper lanes of a and b in turn.
+template <int... I>
+ZOQ_INLINE Lanes even_in_quarters(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 4 / 2 * kLanes + I % 2 * 2)...>(a, b);
+}
+template <int... I>
+ZOQ_INLINE Lanes odd_in_quarters(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 4 / 2 * kLanes + I % 2 * 2 + 1)...>(a, b);
+}
+template <int... I>
+ZOQ_INLINE Lanes zip_lower(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 2 * kLanes + I % 4 / 2)...>(a, b);
+}
+template <int... I>
+ZOQ_INLINE Lanes zip_upper(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return shuffle<(I / 4 * 4 + I % 2 * kLanes + I % 4 / 2 + 2)...>(a, b);
+}
+
+// Real and imaginary parts of kLanes complex values.
+struct ComplexLanes {
+    Lanes re, im;
+};
+
+// load_complex and store_complex: from and to interleaved re, im.
+#if ZOQ_LANES == 4
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load(x), b = load(x + 4);
+    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store(y, zip_lower(z.re, z.im, LaneIndices()));
+    store(y + 4, zip_upper(z.re, z.im, LaneIndices()));
+}
+#elif ZOQ_LANES == 8
+// A half at a time goes from and to memory without a shuffle.
+typedef float FourFloats __attribute__((vector_size(16), may_alias));
+typedef float UnalignedFourFloats __attribute__((vector_size(16), aligned(4), may_alias));
+
+ZOQ_INLINE Lanes join_halves(FourFloats lower, FourFloats upper) {
+    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+ZOQ_INLINE Lanes load_halves(const float* lower, const float* upper) {
+    return join_halves(*reinterpret_cast<const UnalignedFourFloats*>(lower),
+                       *reinterpret_cast<const UnalignedFourFloats*>(upper));
+}
+ZOQ_INLINE void store_halves(float* lower, float* upper, Lanes a) {
+    *reinterpret_cast<UnalignedFourFloats*>(lower) = __builtin_shufflevector(a, a, 0, 1, 2, 3);
+    *reinterpret_cast<UnalignedFourFloats*>(upper) = __builtin_shufflevector(a, a, 4, 5, 6, 7);
+}
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load_halves(x, x + 8), b = load_halves(x + 4, x + 12);
+    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store_halves(y, y + 8, zip_lower(z.re, z.im, LaneIndices()));
+    store_halves(y + 4, y + 12, zip_upper(z.re, z.im, LaneIndices()));
+}
+#else
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load(x), b = load(x + 16);
+    return {shuffle<0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30>(a, b),
+            shuffle<1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31>(a, b)};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store(y, shuffle<0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23>(z.re, z.im));
+    store(y + 16, shuffle<8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31>(z.re, z.im));
+}
+#endif
+
 // a[0] b[0] c[0] a[1] b[1] c[1] ...
 #ifdef ZOQ_NEON32
 ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
@@ -256,11 +356,6 @@ ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
 
 // Doubles: half as many in a register. The conversions are the rounding ones of the language.
 constexpr int kDoubles = kLanes / 2;
-#ifdef ZOQ_NEON32
-constexpr bool kHasDoubles = false;  // computed one after the other
-#else
-constexpr bool kHasDoubles = true;
-#endif
 typedef double Doubles __attribute__((vector_size(8 * kDoubles)));
 typedef int64_t LongInts __attribute__((vector_size(8 * kDoubles)));
 typedef float HalfFloats __attribute__((vector_size(4 * kDoubles)));

@@ -59,6 +59,18 @@ ZOQ_INLINE Quad quad(float a, float b, float c, float d) {
     return quad_of(QuadVector{a, b, c, d});
 }
 
+// a[0] a[1] b[0] b[1]
+ZOQ_INLINE Quad load_pairs(const float* a, const float* b) {
+#ifdef ZOQ_NEON32
+    return {vcombine_f32(vld1_f32(a), vld1_f32(b))};
+#else
+    // Moved as two words: of integers GCC would make a way through memory.
+    typedef double Words __attribute__((vector_size(16)));
+    typedef double Word __attribute__((aligned(4), may_alias));
+    return quad_of(QuadVector(Words{*reinterpret_cast<const Word*>(a), *reinterpret_cast<const Word*>(b)}));
+#endif
+}
+
 template <int... I>
 ZOQ_INLINE Quad shuffle_quads(Quad a, Quad b) {
     return quad_of(__builtin_shufflevector(vector_of(a), vector_of(b), I...));

@@ -11,7 +11,8 @@ namespace {
 // lanes of neighbouring vectors, so a sample needs no shuffle to reach the next one; from the last vector it moves
 // down by two lanes into the first. The last section is in lanes 0 and 1.
 constexpr int kPairs = kLanes / 2;
-constexpr int kLongest = 9;  // sections in one pass; longer cascades take two
+constexpr float kSilence = 0.0f;                                                       // behind the hop
+constexpr int kLongest = kSectionVectors * kPairs < 9 ? kSectionVectors * kPairs : 9;  // sections in one pass
 
 template <int kSections>
 struct Layout {
@@ -108,7 +109,7 @@ ZOQ_INLINE void advance(Sections& s, Lanes in, [[maybe_unused]] int t) {
 }
 
 template <bool kEdge, int kSections>
-ZOQ_INLINE void step(Wavefront<kSections>& w, float left, float right, int t) {
+ZOQ_INLINE void step(Wavefront<kSections>& w, const float* left, const float* right, int t) {
     using L = Layout<kSections>;
     const Lanes leaving = w.v[L::kVectors - 1].out;
     ZOQ_UNROLL
@@ -128,14 +129,14 @@ void run(const SectionCoefficients* sections, int channels, float* io, StereoDel
     set_up(w, sections, channels, delays);
     int t = 0;
     for (; t < L::kLag; ++t) {
-        step<true>(w, left[t], right[t], t);
+        step<true>(w, left + t, right + t, t);
     }
     for (; t < kHopSamples; ++t) {
-        step<false>(w, left[t], right[t], t);
+        step<false>(w, left + t, right + t, t);
         store_pair(left + t - L::kLag, right + t - L::kLag, w.v[L::kLast].out);
     }
     for (; t < kHopSamples + L::kLag; ++t) {
-        step<true>(w, 0.0f, 0.0f, t);
+        step<true>(w, &kSilence, &kSilence, t);
         store_pair(left + t - L::kLag, right + t - L::kLag, w.v[L::kLast].out);
     }
     put_away(w, channels, delays);
@@ -151,7 +152,7 @@ ZOQ_INLINE void run_counted(int count, const SectionCoefficients* sections, int 
 
 void cascade(const SectionCoefficients* sections, int count, int channels, float* io, StereoDelays* delays) {
     while (count > 0) {
-        const int now = count > kLongest ? (count + 1) / 2 : count;
+        const int now = count < kLongest ? count : kLongest;
         run_counted(now, sections, channels, io, delays, std::make_integer_sequence<int, kLongest>());
         sections += now;
         delays += now;

@@ -5,6 +5,9 @@
 // The compilers' own operations, because the C++ libraries of many Android toolchains lack std::atomic_ref.
 #pragma once
 
+#include <cstddef>
+#include <type_traits>
+
 namespace android {
 
 template <typename Word>
@@ -19,6 +22,15 @@ template <typename Word>
 void store_shared(Word& word, Word value) {
     static_assert(sizeof(Word) == 4);
     __atomic_store(&word, &value, __ATOMIC_RELAXED);
+}
+
+// A whole record of floats, word by word.
+template <typename Record>
+void store_shared_floats(Record& record, const Record& contents) {
+    static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) % sizeof(float) == 0);
+    for (size_t i = 0; i < sizeof(Record) / sizeof(float); ++i) {
+        store_shared(reinterpret_cast<float*>(&record)[i], reinterpret_cast<const float*>(&contents)[i]);
+    }
 }
 
 }  // namespace android

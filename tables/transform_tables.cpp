@@ -1,6 +1,7 @@
 #include "tables/transform_tables.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <numbers>
 
@@ -25,6 +26,12 @@ double sine(int j) {
     return 2 * j == kFrameSamples ? 0.0 : std::sin(turn(j));
 }
 
+// The twiddles of a stage that joins halves of `span` values stand side by side at the entries span..2 span - 1.
+int twiddle_of_stage(int entry) {
+    const int span = int(std::bit_floor(unsigned(entry)));
+    return (entry - span) * (kFrameSamples / 2 / std::max(span, 1));
+}
+
 struct Table {
     const char* declaration;
     int size;
@@ -35,6 +42,9 @@ constexpr Table kTables[] = {
     {"kTwiddleCos[kBins]", kBins, cosine},
     {"kTwiddleForwardSin[kBins]", kBins, [](int j) { return 0.0 - sine(j); }},
     {"kTwiddleInverseSin[kBins]", kBins, sine},
+    {"kStageCos[kFrameSamples]", kFrameSamples, [](int entry) { return cosine(twiddle_of_stage(entry)); }},
+    {"kStageSin[kFrameSamples]", kFrameSamples,
+     [](int entry) { return 0.0 - sine(twiddle_of_stage(entry)); }},
     {"kSineWindow[kFrameSamples]", kFrameSamples,
      [](int n) { return std::sin(std::numbers::pi * n / kFrameSamples); }},
 };
@@ -59,7 +69,8 @@ Formula: sine and cosine in double precision, rounded to float; exactly 0 at qua
 Worst error: )" +
             rounded(worst) + ", the rounding to float.");
     for (size_t i = 0; i < std::size(kTables); ++i) {
-        text.line((i == 0 ? "" : "\n") + std::string("const float ") + kTables[i].declaration + " = {");
+        text.line((i == 0 ? "" : "\n") + std::string("alignas(64) const float ") + kTables[i].declaration +
+                  " = {");
         text.values(tables[i]);
         text.line("};");
     }

@@ -4,6 +4,7 @@
 
 #include "dsp/grid.h"
 #include "dsp/poison.h"
+#include "dsp/shared_value.h"
 
 namespace android {
 
@@ -65,7 +66,7 @@ void reset_if_poisoned() {
 }  // namespace
 
 void factory_contents(parameterEQ* record) {
-    *record = kFactory;
+    store_shared_floats(*record, kFactory);
 }
 
 void equalization_peak(float* io, float channels, float peakSectionCount, const float* peakSos,

@@ -5,6 +5,7 @@
 #include "dsp/complex.h"
 #include "dsp/fft.h"
 #include "dsp/kernel_level.h"
+#include "dsp/shared_value.h"
 #include "modules/tws/tws_kernels.h"
 #include "modules/tws/tws_tables.h"
 
@@ -78,7 +79,7 @@ ZOQ_KERNEL(tws_mix, const creal32_T* frame, const float* in, float delay, float 
 
 void factory_contents(parameterTWS* record) {
     record->widthGain = 1.0f;
-    record->stereoWidth = 1.0f;
+    store_shared(record->stereoWidth, 1.0f);
     record->directDelay = kDirectDelay;
     std::copy(kSameSideFilter, kSameSideFilter + kBins, record->sameSideFilter);
     std::copy(kCrossFeedFilter, kCrossFeedFilter + kBins, record->crossFeedFilter);

@@ -60,7 +60,7 @@ void tws_mix(const creal32_T* frame, const float* in, float delay, float gain, f
     const float* centre = delayed_hop(in + 2 * kFrameSamples, delay, copies[2]);
     const Lanes share = broadcast(gain), directShare = broadcast(1.0f - gain);
     for (int i = 0; i < kHopSamples; i += kLanes) {
-        const Parts widened = ordered_parts(frame + kHopSamples + i);
+        const ComplexLanes widened = load_complex(&frame[kHopSamples + i].re);
         const Lanes c = load(centre + i), inWidened = broadcast(kTwsCentreInWidened) * c;
         Lanes l = widened.re + inWidened, r = widened.im + inWidened;
         if (gain < 1.0f) {

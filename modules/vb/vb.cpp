@@ -122,12 +122,13 @@ void reset_if_poisoned() {
 
 void factory_contents(float cutoffHz, parameterVB* record) {
     const VbSections& set = sections_for(count_within(cutoffHz, kSampleRateHz));
-    *record = kFactory;
-    std::copy_n(set.lowpassSos, kSectionMatrixFloats, record->lowpassSos);
-    std::copy_n(set.inputHighpassSos, kSectionMatrixFloats, record->inputHighpassSos);
-    std::copy_n(set.bandHighpassSos, kSectionMatrixFloats, record->bandHighpassSos);
-    std::copy_n(kVbHarmonicLowpassSos, kSectionMatrixFloats, record->harmonicLowpassSos);
-    std::copy_n(set.outputHighpassSos, kSectionMatrixFloats, record->outputHighpassSos);
+    parameterVB contents = kFactory;
+    std::copy_n(set.lowpassSos, kSectionMatrixFloats, contents.lowpassSos);
+    std::copy_n(set.inputHighpassSos, kSectionMatrixFloats, contents.inputHighpassSos);
+    std::copy_n(set.bandHighpassSos, kSectionMatrixFloats, contents.bandHighpassSos);
+    std::copy_n(kVbHarmonicLowpassSos, kSectionMatrixFloats, contents.harmonicLowpassSos);
+    std::copy_n(set.outputHighpassSos, kSectionMatrixFloats, contents.outputHighpassSos);
+    store_shared_floats(*record, contents);
 }
 
 void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters) {

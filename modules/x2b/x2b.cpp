@@ -1,6 +1,7 @@
 #include "modules/x2b/x2b.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "dsp/complex.h"
 #include "dsp/fft.h"
@@ -203,7 +204,7 @@ void advance(int partitions) {
     }
     std::rotate(rowOf, rowOf + 1, rowOf + partitions);
     for (auto& rows : state.accumulator) {
-        std::fill_n(rows[rowOf[partitions - 1]], kBins, creal32_T{});
+        std::memset(rows[rowOf[partitions - 1]], 0, sizeof rows[0]);
     }
 }
 
@@ -216,7 +217,7 @@ void factory_contents(parameterX2B* record) {
     std::copy(&kContraResponse[0][0][0], &kContraResponse[0][0][0] + kTableBins,
               &record->contraResponse[0][0][0]);
     record->headphoneDrc = kHeadphoneDrc;
-    record->surroundWidth = 0.0f;
+    store_shared(record->surroundWidth, 0.0f);
 }
 
 void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float* out) {

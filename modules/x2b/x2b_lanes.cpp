@@ -20,15 +20,11 @@ struct Partition {
 };
 
 struct Plan {
-    int channels, partitions;
     Partition partition[kX2bPartitions];
 };
 
-Plan plan_of(int channels, int partitions, const parameterX2B* parameters, const X2bRendering& r,
-             const X2bSlots& slots) {
+Plan plan_of(int partitions, const parameterX2B* parameters, const X2bRendering& r, const X2bSlots& slots) {
     Plan plan;
-    plan.channels = channels;
-    plan.partitions = partitions;
     for (int p = 0; p < partitions; ++p) {
         const auto &same = parameters->ipsiResponse[p], &other = parameters->contraResponse[p];
         plan.partition[p] = {same[kFrontResponse],  same[r.narrowResponse],
@@ -50,14 +46,14 @@ struct Single {
     ZOQ_INLINE void write(creal32_T* y, Lanes a) { store_one(y, a); }
 };
 
-// The ears' own channels and the centre keep the order of the channels in every sum.
+// Both ears of all partitions at bin k; the channels come in their order in every sum.
 template <int kChannels, typename Bins>
-ZOQ_INLINE void add_full(const Plan& plan, const X2bRendering& r, const X2bInputs& x, int k) {
+ZOQ_INLINE void add_full(const Plan& plan, int partitions, const X2bRendering& r, const X2bInputs& x, int k) {
     const Lanes wide = broadcast(r.wide), narrow = broadcast(r.narrow);
     const Factor left = factor_of(Bins::read(x.channel[0] + k));
     const Factor right = kChannels > 1 ? factor_of(Bins::read(x.channel[1] + k)) : left;
     const Factor middle = kChannels > 2 ? factor_of(Bins::read(x.channel[2] + k)) : left;
-    for (int p = 0; p < plan.partitions; ++p) {
+    ZOQ_UNROLL for (int p = 0; p < partitions; ++p) {
         const Partition& rows = plan.partition[p];
         const Lanes same = Bins::read(rows.wide + k) * wide + Bins::read(rows.narrow + k) * narrow;
         const Lanes other =
@@ -80,14 +76,15 @@ ZOQ_INLINE void add_full(const Plan& plan, const X2bRendering& r, const X2bInput
 }
 
 template <int kChannels, typename Bins>
-ZOQ_INLINE void add_fading(const Plan& plan, const X2bRendering& r, const X2bInputs& x, int k) {
+ZOQ_INLINE void add_fading(const Plan& plan, int partitions, const X2bRendering& r, const X2bInputs& x,
+                           int k) {
     Lanes channel[kX2bMaxChannels];
     Factor factor[kX2bMaxChannels];
     for (int c = 0; c < kChannels; ++c) {
         channel[c] = Bins::read(x.channel[c] + k);
         factor[c] = factor_of(channel[c]);
     }
-    for (int p = 0; p < plan.partitions; ++p) {
+    ZOQ_UNROLL for (int p = 0; p < partitions; ++p) {
         const Partition& rows = plan.partition[p];
         const Lanes same = Bins::read(rows.narrow + k) * broadcast(r.filtered);
         const Lanes front = Bins::read(rows.front + k) * broadcast(r.filtered * rows.centreGain);
@@ -108,17 +105,27 @@ ZOQ_INLINE void add_fading(const Plan& plan, const X2bRendering& r, const X2bInp
 }
 
 template <int kChannels>
-void add_channels(const Plan& plan, const X2bRendering& r, const X2bInputs& x) {
+ZOQ_INLINE void add_bins(const Plan& plan, int partitions, const X2bRendering& r, const X2bInputs& x) {
     if (r.fading) {
         for (int k = 0; k < kLastBin; k += kPairs) {
-            add_fading<kChannels, Whole>(plan, r, x, k);
+            add_fading<kChannels, Whole>(plan, partitions, r, x, k);
         }
-        add_fading<kChannels, Single>(plan, r, x, kLastBin);
+        add_fading<kChannels, Single>(plan, partitions, r, x, kLastBin);
     } else {
         for (int k = 0; k < kLastBin; k += kPairs) {
-            add_full<kChannels, Whole>(plan, r, x, k);
+            add_full<kChannels, Whole>(plan, partitions, r, x, k);
         }
-        add_full<kChannels, Single>(plan, r, x, kLastBin);
+        add_full<kChannels, Single>(plan, partitions, r, x, kLastBin);
+    }
+}
+
+// The usual number of partitions is known beforehand, so that their loop unrolls.
+template <int kChannels>
+void add_channels(const Plan& plan, int partitions, const X2bRendering& r, const X2bInputs& x) {
+    if (partitions == kX2bPartitions) {
+        add_bins<kChannels>(plan, kX2bPartitions, r, x);
+    } else {
+        add_bins<kChannels>(plan, partitions, r, x);
     }
 }
 
@@ -126,19 +133,19 @@ void add_channels(const Plan& plan, const X2bRendering& r, const X2bInputs& x) {
 
 void x2b_accumulate(const X2bInputs& x, int channels, int partitions, const parameterX2B* parameters,
                     const X2bRendering& r, const X2bSlots& slots) {
-    const Plan plan = plan_of(channels, partitions, parameters, r, slots);
+    const Plan plan = plan_of(partitions, parameters, r, slots);
     if (channels == 1) {
-        add_channels<1>(plan, r, x);
+        add_channels<1>(plan, partitions, r, x);
     } else if (channels == 2) {
-        add_channels<2>(plan, r, x);
+        add_channels<2>(plan, partitions, r, x);
     } else {
-        add_channels<3>(plan, r, x);
+        add_channels<3>(plan, partitions, r, x);
     }
 }
 
 void x2b_current_hop(const creal32_T* frame, float* out) {
     for (int i = 0; i < kHopSamples; i += kLanes) {
-        const Parts ears = ordered_parts(frame + kHopSamples + i);
+        const ComplexLanes ears = load_complex(&frame[kHopSamples + i].re);
         store(out + i, ears.re);
         store(out + kHopSamples + i, ears.im);
     }

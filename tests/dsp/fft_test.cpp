@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "tests/support/dft.h"
+#include "tests/support/kernel_levels.h"
 #include "tests/support/signals.h"
 
 using namespace android;
@@ -183,6 +184,61 @@ TEST(Fft, TwoRealFramesShareOneTransform) {
 
     merge_mono_spectrum(leftHalf.data(), frame.data());
     EXPECT_LT(relative_error(frame, exact(left)), 2 * kBound);
+}
+
+// Every transform of one input of 2048 floats, one behind the other.
+std::vector<float> all_transforms(const std::vector<float>& x) {
+    std::vector<creal32_T> in(kN), y(4 * kN + 2 * kBins), merged(2 * kN);
+    std::memcpy(in.data(), x.data(), sizeof(creal32_T) * kN);
+    fft(in.data(), &y[0]);
+    b_fft(in.data(), &y[kN]);
+    ifft(in.data(), &y[2 * kN]);
+    c_fft(x.data() + 3, &y[3 * kN]);
+    split_stereo_spectrum(x.data(), x.data() + kN, &y[4 * kN], &y[4 * kN + kBins]);
+    merge_stereo_spectrum(&in[1], &in[kN - kBins], &merged[0]);
+    merge_mono_spectrum(&in[0], &merged[kN]);
+    y.insert(y.end(), merged.begin(), merged.end());
+    std::vector<float> floats(2 * y.size());
+    std::memcpy(floats.data(), y.data(), sizeof(creal32_T) * y.size());
+    return floats;
+}
+
+TEST(Fft, EveryLevelGivesTheSameBits) {
+    std::vector<std::vector<float>> inputs = {
+        signals::noise(10, 2 * kN), signals::noise(11, 2 * kN, 1e30f), signals::noise(12, 2 * kN, 1e-25f),
+        signals::noise(13, 2 * kN, 3e38f), signals::speech_like(14, 2 * kN)};
+    for (const float value : {0.0f, -0.0f, 1.0f, -1.0f}) {
+        inputs.emplace_back(2 * kN, value);
+    }
+    // Zeros of both signs among few values: nothing must multiply where the scalar form does not.
+    std::vector<float> sparse = signals::noise(15, 2 * kN);
+    for (size_t i = 0; i < sparse.size(); ++i) {
+        sparse[i] = i % 7 == 0 ? std::round(2.0f * sparse[i]) : std::copysign(0.0f, sparse[i]);
+    }
+    inputs.push_back(sparse);
+    for (const size_t position : {size_t{0}, size_t{1}, size_t{700}, 2 * kN - 1}) {
+        inputs.push_back(signals::impulse(position, 2 * kN, -0.7f));
+        inputs.push_back(inputs.front());
+        inputs.back()[position] = INFINITY;
+    }
+    for (const std::vector<float>& x : inputs) {
+        kernels::expect_same_bits([&] { return all_transforms(x); });
+    }
+}
+
+TEST(Fft, EveryLevelFollowsAHostsTable) {
+    const std::vector<float> x = signals::noise(16, 2 * kN);
+    const std::vector<float> usual = all_transforms(x);
+    for (const size_t position : {size_t{0}, size_t{2}, size_t{9}, size_t{512}, size_t{1023}}) {
+        std::swap(fft_table[position], fft_table[300]);
+        kernels::expect_same_bits([&] { return all_transforms(x); });
+        EXPECT_NE(all_transforms(x), usual);
+        std::swap(fft_table[position], fft_table[300]);
+        fft_table[position] += 1024;  // beyond the frame: the index is masked
+        kernels::expect_same_bits([&] { return all_transforms(x); });
+        fft_table[position] -= 1024;
+    }
+    EXPECT_EQ(all_transforms(x), usual);
 }
 
 }  // namespace

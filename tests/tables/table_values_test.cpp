@@ -33,6 +33,13 @@ TEST(TransformTables, AreTheNearestFloats) {
         EXPECT_EQ(kTwiddleInverseSin[j], half ? 0.0f : float(std::sin(angle))) << j;
         EXPECT_EQ(kTwiddleForwardSin[j], -kTwiddleInverseSin[j]) << j;
     }
+    for (int span = 1; span < kFrameSamples; span *= 2) {
+        for (int offset = 0; offset < span; ++offset) {
+            EXPECT_EQ(kStageCos[span + offset], kTwiddleCos[offset * (512 / span)]) << span << " " << offset;
+            EXPECT_EQ(kStageSin[span + offset], kTwiddleForwardSin[offset * (512 / span)])
+                << span << " " << offset;
+        }
+    }
     for (int n = 0; n < kFrameSamples; ++n) {
         EXPECT_EQ(kSineWindow[n], float(std::sin(kPi * static_cast<long double>(n) / kFrameSamples))) << n;
     }

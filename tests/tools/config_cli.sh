@@ -53,6 +53,12 @@ fails 2 'needs FILE' "$zoq" config check
 fails 2 'need --fix' "$zoq" config check good.txt --in-place
 
 expect 1 'EQ_62hzgain = 3' "$zoq" config check bad.txt --fix
+expect 1 'compressionGain = 100' "$zoq" config check odd.txt --fix
+grep -q '170 lies outside 0..100.*100 is written' err.txt || { echo "a change without a word"; failures=$((failures + 1)); }
+printf 'bar = 13\ncompressionGain 70\n' >lost.txt
+expect 1 "'bar = 13' is left out" "$zoq" config check lost.txt --fix
+fails 1 'odd.txt: line 1: 170 lies outside' "$zoq" config write --from odd.txt
+fails 2 'octave below --eq-highest' "$zoq" config write --eq odd.txt --eq-lowest 1000 --eq-highest 1500
 cp bad.txt before.txt
 expect 1 'left out' "$zoq" config check bad.txt --fix --output fixed.txt
 cmp -s bad.txt before.txt || { echo "--output changed the file itself"; failures=$((failures + 1)); }

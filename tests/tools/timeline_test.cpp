@@ -33,6 +33,8 @@ TEST_F(TimelineTest, SettingsChangeWhereTheInputIsThen) {
     EXPECT_TRUE(same_from(twice, plain, 0, kRate - 512 - 692));
     // Past the end nothing happens, and at 0 it is as if it had been set.
     EXPECT_TRUE(rendered(input, "--at 4.1 EQ_1khzgain=6") == plain);
+    // Numbers are those that the engine reads.
+    EXPECT_TRUE(rendered(input, "--set EQ_1khzgain=+6") == rendered(input, "--at 0 EQ_1khzgain=+6.0"));
 }
 
 TEST_F(TimelineTest, VolumeAndDeviceEventsAreTheHosts) {
@@ -71,11 +73,16 @@ TEST_F(TimelineTest, ProcessingSwitchFadesToTheInput) {
 TEST_F(TimelineTest, WrongEventsAreRefused) {
     write("in.wav", silence(kRate));
     const std::pair<const char*, const char*> wrong[] = {
-        {"--at 1 EQ_1kgain=3", "EQ_1kgain"},   {"--at 1 EQ_1khzgain=loud", "loud"},
-        {"--at 1 EQ_1khzgain", "EQ_1khzgain"}, {"--at -1 EQ_1khzgain=3", "time"},
-        {"--at 1 route=radio", "radio"},       {"--at 1 volume=-2", "-2"},
-        {"--at nan volume=3", "time"},         {"--at 1", "--at"},
+        {"--at 1 EQ_1kgain=3", "did you mean 'EQ_1khzgain'"},
+        {"--at 1 EQ_1khzgain=loud", "loud"},
+        {"--at 1 EQ_1khzgain", "EQ_1khzgain"},
+        {"--at -1 EQ_1khzgain=3", "time"},
+        {"--at 1 route=radio", "radio"},
+        {"--at 1 volume=-2", "-2"},
+        {"--at nan volume=3", "time"},
+        {"--at 1", "--at"},
         {"--at 1 processing=maybe", "maybe"},
+        {"--at 1 compressionGain=3", "did you mean 'CompressionGain'"},
     };
     for (const auto& [options, word] : wrong) {
         const Outcome outcome = render(std::string("in.wav out.wav ") + options);
@@ -104,20 +111,95 @@ TEST_F(TimelineTest, LevelMatchedInputIsAsLoudAsTheOutput) {
     EXPECT_NEAR(again["before"]["integratedLufs"].get<double>(),
                 report["after"]["integratedLufs"].get<double>(), 0.05);
 
-    // A gain that does not fit is told, and the sound is clipped, never wrapped.
-    write("loud.wav", tone(4 * kRate, 997.0, 0.9));
-    const Outcome clipping = render(
-        "loud.wav out.wav --route headphone --set 'Headphone_EQ_1khzgain=12;Headphone_CompressionGain=100' "
-        "--level-match dry.wav");
-    ASSERT_EQ(clipping.code, 0) << clipping.err;
-    const Sound clipped = read("dry.wav");
-    EXPECT_EQ(clipping.err.find("clip at that level") != std::string::npos,
-              *std::max_element(clipped.values.begin(), clipped.values.end()) == 32767)
-        << clipping.err;
-    EXPECT_EQ(render("in.wav out.wav --level-match in.wav").code, 1);
-    EXPECT_EQ(render("in.wav out.wav --level-match out.wav").code, 2);
+    // What a phone's listener hears ends later, and so does the dry sound.
+    ASSERT_EQ(render("in.wav out.wav --as-played --level-match dry.wav").code, 0);
+    EXPECT_EQ(read("dry.wav").frames(), read("out.wav").frames());
+    write("silent.wav", silence(kRate));
+    EXPECT_NE(render("silent.wav out.wav --level-match dry.wav").err.find("no loudness to match"),
+              std::string::npos);
+}
+
+// Peaks which the compressor takes down leave full scale in a quiet sound brought to the compressed one's loudness.
+TEST_F(TimelineTest, LevelMatchedPeaksAreClippedAndTold) {
+    Sound peaks = tone(10 * kRate, 997.0, 0.02);
+    for (size_t i = 100; i < peaks.values.size(); i += 6000) {
+        peaks.values[i] = i / 6000 % 2 == 0 ? int16_t{29000} : int16_t{-29000};
+    }
+    write("peaks.wav", peaks);
+    const Outcome outcome =
+        render("peaks.wav out.wav --set CompressionGain=100 --level-match dry.wav --json");
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    const auto match = nlohmann::json::parse(outcome.out)["levelMatch"];
+    ASSERT_GT(match["gainDb"].get<double>(), 1.2);
+    const Sound dry = read("dry.wav");
+    int64_t clipped = 0;
+    for (size_t i = 0; i < peaks.values.size(); ++i) {
+        if (std::abs(peaks.values[i]) == 29000) {
+            ASSERT_EQ(dry.values[i], peaks.values[i] > 0 ? 32767 : -32768);
+            ++clipped;
+        }
+    }
+    EXPECT_EQ(match["clippedSamples"].get<int64_t>(), clipped);
+    EXPECT_NE(outcome.err.find(std::to_string(clipped) + " samples of it clip"), std::string::npos)
+        << outcome.err;
+}
+
+TEST_F(TimelineTest, NoFileIsWrittenTwiceOrOverWhatIsRead) {
+    write("in.wav", tone(kRate, 997.0, 0.05));
+    const std::string input = contents("in.wav");
+    std::filesystem::create_directory("folder");
+    std::filesystem::create_directory_symlink("folder", "way");
+    std::filesystem::create_symlink("old.wav", "link.wav");
+    std::ofstream("old.wav") << "kept";
+    std::ofstream("tuning.txt") << "VB_boostlin 3\n";
+    const std::string here = std::filesystem::current_path().string();
+    const std::pair<std::string, int> wrong[] = {
+        {"out.wav --level-match out.wav", 2},
+        {"out.wav --level-match ./out.wav", 2},
+        {"out.wav --level-match " + here + "/out.wav", 2},
+        {"folder/new.wav --level-match way/../folder/new.wav", 2},
+        {"folder/new.wav --level-match way/new.wav", 2},
+        {"old.wav --level-match link.wav", 2},
+        {"out.wav --level-match dry.wav --curves ./dry.wav", 2},
+        {"out.wav --curves ./out.wav", 2},
+        {"- --curves -", 2},
+        {"out.wav --curves way/../in.wav", 1},
+        {"out.wav --level-match ./in.wav", 1},
+        {"out.wav --config tuning.txt --curves ./tuning.txt", 2},
+    };
+    for (const auto& [arguments, code] : wrong) {
+        const Outcome outcome = render("in.wav " + arguments);
+        EXPECT_EQ(outcome.code, code) << arguments << outcome.err;
+        EXPECT_FALSE(std::filesystem::exists("out.wav") || std::filesystem::exists("folder/new.wav"))
+            << arguments;
+    }
+    EXPECT_EQ(contents("old.wav"), "kept");
+    EXPECT_EQ(contents("in.wav"), input);
     EXPECT_EQ(shell("zoq render - out.wav --level-match dry.wav < in.wav").code, 2);
-    EXPECT_EQ(read("in.wav").frames(), input.frames());
+    EXPECT_EQ(render("in.wav folder/same.wav --level-match same.wav").code, 0);
+    EXPECT_EQ(shell("zoq measure --what latency --csv a.svg --plot ./a.svg").code, 2);
+}
+
+// Behind a change of route the sound is early by what the two routes' delays differ, ahead of that, untouched, by all of
+// the first one's.
+TEST_F(TimelineTest, ARouteEventMovesTheSoundByTheDifferenceOfTheDelays) {
+    Sound input = silence(4 * kRate);
+    const size_t early = kRate, untouched = 2 * kRate + 4000, late = 3 * kRate + 4000;
+    for (const size_t at : {early, untouched, late}) {
+        input.values[2 * at] = input.values[2 * at + 1] = 16000;
+    }
+    const auto loudest = [](const Sound& sound, size_t from, size_t end) {
+        size_t best = from;
+        for (size_t i = from; i < end; ++i) {
+            best = std::abs(sound.at(i, 0)) > std::abs(sound.at(best, 0)) ? i : best;
+        }
+        return static_cast<int>(best);
+    };
+    // Narrow on both routes, so that the direct path is by far the loudest.
+    const Sound moved = rendered(input, "--set 'DS_stereoWidth=1;HP_SurroundWidth=0' --at 2 route=headphone");
+    EXPECT_EQ(loudest(moved, early - 1000, early + 1000), int(early));
+    EXPECT_EQ(loudest(moved, untouched - 1000, untouched + 1000), int(untouched) - 692);
+    EXPECT_EQ(loudest(moved, late - 1000, late + 1000), int(late) - 180);
 }
 
 }  // namespace

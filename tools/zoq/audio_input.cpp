@@ -61,6 +61,8 @@ Descriptor AudioInput::open(const std::string& path) {
     if (S_ISDIR(status.st_mode)) {
         throw system_failure("cannot read", name_, EISDIR);
     }
+    device_ = status.st_dev;
+    inode_ = status.st_ino;
     if (path == "-" || !S_ISREG(status.st_mode)) {
         file = spool(file.get(), name_);
         fstat(file.get(), &status);
@@ -83,6 +85,11 @@ void AudioInput::start_decoder() {
     } catch (const Failure& failure) {
         throw Failure(name_ + " " + failure.what());
     }
+}
+
+bool AudioInput::is_same_file(const std::string& path) const {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
 }
 
 int AudioInput::read(float* stereo, int frames) {

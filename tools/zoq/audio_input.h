@@ -26,6 +26,9 @@ class AudioInput {
     int64_t frames() const { return info_.frames; }  // as the header has it
     const Downmix& downmix() const { return downmix_; }
 
+    // True when both name the same file, through links too.
+    bool is_same_file(const std::string& path) const;
+
     // Fills up to frames stereo sample frames; fewer only at the end. Throws Failure when decoding breaks
     // off.
     int read(float* stereo, int frames);
@@ -41,6 +44,8 @@ class AudioInput {
 
     std::string name_;
     std::string format_;
+    dev_t device_ = 0;
+    ino_t inode_ = 0;
     SF_INFO info_ = {};
     Descriptor file_;
     std::unique_ptr<SNDFILE, Closer> decoder_;

@@ -5,8 +5,8 @@
 
 #include "tools/zoq/config_command.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/gnuplot.h"
-#include "tools/zoq/output_file.h"
 #include "tools/zoq/plot.h"
 #include "tools/zoq/text_file.h"
 #include "tools/zoq/tuning/config_check.h"
@@ -19,6 +19,7 @@ namespace zoq {
 namespace {
 
 constexpr char kWriteFooter[] =
+    "No value outside its range is written: --set and --from refuse it.\n"
     "Taken in this order, later ones win: --from, --eq, --set. The text goes to standard output, what there "
     "is\n"
     "to say to standard error.\n"
@@ -65,15 +66,16 @@ void check_options(const WriteCommand& command) {
     if (!command.plot.empty() && (command.eq.empty() || !is_picture_path(command.plot))) {
         throw UsageFailure("--plot needs --eq and a name that ends in .svg or .png");
     }
+    const std::vector<NamedFile> outputs = {{"--output", command.output}, {"--plot", command.plot}};
+    check_different(outputs);
+    check_kept({{"--from", command.from}, {"--eq", command.eq}}, outputs);
     if (!(command.fit.hiHz >= 2.0 * command.fit.loHz)) {
-        throw UsageFailure("--eq-range needs at least an octave, low end first");
+        throw UsageFailure("--eq-lowest must lie at least an octave below --eq-highest");
     }
 }
 
 void write(const WriteCommand& command) {
     check_options(command);
-    require_files_apart({{"the file of --from", command.from}, {"the file of --eq", command.eq}},
-                        {{"--output", command.output}, {"--plot", command.plot}});
     const Dialect dialect = command.asString ? Dialect::kString : Dialect::kFile;
     Settings settings;
     if (!command.from.empty()) {

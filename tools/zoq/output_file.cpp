@@ -55,36 +55,7 @@ Descriptor make_temporary(std::string& name, const std::string& shown) {
     return file;
 }
 
-// Links, "..", and names of files that do not exist yet are seen through.
-bool same_file(const std::string& a, const std::string& b) {
-    std::error_code error;
-    if (std::filesystem::equivalent(a, b, error)) {
-        return true;
-    }
-    return std::filesystem::weakly_canonical(a, error) == std::filesystem::weakly_canonical(b, error) &&
-           !error;
-}
-
-void require_apart(const NamedFile& a, const NamedFile& b) {
-    if (!a.path.empty() && !b.path.empty() && b.path != "-" && same_file(a.path, b.path)) {
-        throw Failure(std::string(a.what) + " and " + b.what + " are the same file, " + quoted(b.path));
-    }
-}
-
 }  // namespace
-
-void require_files_apart(const std::vector<NamedFile>& read, const std::vector<NamedFile>& written) {
-    for (size_t i = 0; i < written.size(); ++i) {
-        for (const NamedFile& input : read) {
-            require_apart({input.what, input.path == "-" ? "/dev/stdin" : input.path}, written[i]);
-        }
-        for (size_t other = 0; other < i; ++other) {
-            if (written[other].path != "-") {
-                require_apart(written[other], written[i]);
-            }
-        }
-    }
-}
 
 OutputFile::OutputFile(const std::string& path)
     : name_(path == "-" ? "standard output" : quoted(path)),

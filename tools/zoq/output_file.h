@@ -6,21 +6,10 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "tools/zoq/descriptor.h"
 
 namespace zoq {
-
-// A file as the command line names it; "" for none.
-struct NamedFile {
-    const char* what;  // INPUT, --curves, ...
-    std::string path;
-};
-
-// Throws Failure where a file to be written is one that is read, or is written for something else, too. "-" is standard
-// input among those read and no file among those written.
-void require_files_apart(const std::vector<NamedFile>& read, const std::vector<NamedFile>& written);
 
 class OutputFile {
   public:

@@ -6,8 +6,8 @@
 #include "tables/head_file.h"
 #include "tables/room_responses.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/interruption.h"
-#include "tools/zoq/output_file.h"
 #include "tools/zoq/text_file.h"
 
 namespace zoq {
@@ -24,7 +24,7 @@ std::string target(const ImportOptions& options) {
     if (std::filesystem::is_directory(path)) {
         path /= kFileName;
     }
-    require_files_apart({{"FILE", options.head}}, {{"--output", path}});
+    check_kept({{"FILE", options.head}}, {{"--output", path}});
     return path;
 }
 
