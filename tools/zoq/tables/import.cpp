@@ -6,6 +6,7 @@
 #include "tables/head_file.h"
 #include "tables/room_responses.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/interruption.h"
 #include "tools/zoq/text_file.h"
 
@@ -16,14 +17,14 @@ namespace {
 constexpr char kFileName[] = "x2b_tables.cpp";
 
 std::string target(const ImportOptions& options) {
+    if (options.output == "-") {
+        throw UsageFailure("--output needs a file: the report goes to standard output");
+    }
     std::filesystem::path path(options.output);
     if (std::filesystem::is_directory(path)) {
         path /= kFileName;
     }
-    std::error_code error;
-    if (std::filesystem::equivalent(path, options.head, error)) {
-        throw Failure("the head and the output are the same file, " + quoted(options.head));
-    }
+    check_kept({{"FILE", options.head}}, {{"--output", path}});
     return path;
 }
 
