@@ -1,9 +1,10 @@
 #!/bin/sh
-# Includes run one way: host -> chain -> modules -> dsp; no module includes another.
+# Includes run one way: tools -> host -> chain -> modules -> dsp; no module includes another, and nothing that ships
+# includes tests, benchmarks or fuzz targets.
 #   include_rules.sh ROOT
 set -eu
 cd "$1"
-find dsp platform modules chain include host tables tools adapters \( -name '*.h' -o -name '*.cpp' \) 2>/dev/null | sort |
+find dsp platform modules chain include host tables tools adapters fuzz \( -name '*.h' -o -name '*.cpp' \) 2>/dev/null | sort |
     xargs awk '
     BEGIN {
         platform = "(android/log|system/audio|utils/(Errors|SortedVector|String8))\\.h"
@@ -21,6 +22,7 @@ find dsp platform modules chain include host tables tools adapters \( -name '*.h
         may["tables"] = "dsp/.*|modules/.*"
         may["adapters"] = public "|" platform "|host/.*"
         may["tools"] = may["adapters"] "|tables/.*|dsp/poison\\.h"
+        may["fuzz"] = may["tools"] "|tools/.*|tests/(support|tools)/.*"
     }
     FNR == 1 {
         files++

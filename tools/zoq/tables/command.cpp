@@ -64,7 +64,7 @@ void conclude(const std::vector<tables::TableReport>& reports, bool json) {
 // The head, or why there is none. A head that the user names must be there.
 std::optional<tables::Head> load_listener(const std::string& path, bool named, std::string& absent) {
     try {
-        return tables::load_head(path);
+        return load_interruptible(path);
     } catch (const tables::HeadError& error) {
         if (named) {
             throw;

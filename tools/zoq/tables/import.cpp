@@ -48,10 +48,20 @@ std::string source_text(const tables::RoomResponses& rooms, const tables::Head& 
 
 }  // namespace
 
+tables::Head load_interruptible(const std::string& path) {
+    try {
+        tables::Head head = tables::load_head(path);
+        throw_if_interrupted();
+        return head;
+    } catch (const tables::HeadError&) {
+        throw_if_interrupted();  // then that is what kept it from being read
+        throw;
+    }
+}
+
 ImportResult import_rooms(const ImportOptions& options) {
     const std::string path = options.check ? "" : target(options);
-    const tables::Head head = tables::load_head(options.head);
-    throw_if_interrupted();
+    const tables::Head head = load_interruptible(options.head);
     const tables::RoomResponses rooms = tables::make_room_responses(head);
     throw_if_interrupted();
     ImportResult result{path, tables::check_rooms(rooms.tables(), {&head, ""})};
