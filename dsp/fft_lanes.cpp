@@ -316,7 +316,7 @@ void split_stereo_spectrum(const int32_t* target, const float* left, const float
     }
     Planes s;
     transform(StereoPair{left, right}, ToHalvedPlanes{&s});
-    s.re[kFrameSamples] = s.re[0];
+    s.re[kFrameSamples] = s.re[0];  // transform filled it  NOLINT(clang-analyzer-core.uninitialized.Assign)
     s.im[kFrameSamples] = s.im[0];
     for (int k = 0; k < kBins - 1; k += kLanes) {
         const int mirrored = kFrameSamples - k - (kLanes - 1);

@@ -98,7 +98,7 @@ String8 AudioParameter::toString() const {
         end = stpcpy(end, parameters.itemAt(i).value.string());
     }
     *end = '\0';
-    const String8 result(text);
+    String8 result(text);
     std::free(text);
     return result;
 }

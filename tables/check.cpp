@@ -7,7 +7,7 @@ using android::kX2bPartitions;
 using android::kX2bResponses;
 
 RoomTables Records::rooms() const {
-    constexpr size_t kSize = size_t(kX2bPartitions * kX2bResponses * kBins);
+    constexpr size_t kSize = size_t{kX2bPartitions} * kX2bResponses * kBins;
     return {Bins(&x2b.ipsiResponse[0][0][0], kSize), Bins(&x2b.contraResponse[0][0][0], kSize)};
 }
 

@@ -19,6 +19,7 @@ String8::~String8() {
     std::free(text_);
 }
 
+// setTo looks after assignment to itself.  NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 String8& String8::operator=(const String8& other) {
     setTo(other);
     return *this;

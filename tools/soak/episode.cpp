@@ -55,7 +55,7 @@ std::string play_phase(const Phase& phase, Watch& watch, int64_t position, int64
         GuardedBlock block(given, static_cast<size_t>(n % 8));
         ZOQ_OUTPROC_PLAY_SAMPLES(block.data(), static_cast<int>(2 * block.size()), phase.stream.sampleRate,
                                  phase.stream.channels);
-        const std::string fault = watch.check_block(phase, given, block);
+        std::string fault = watch.check_block(phase, given, block);
         if (!fault.empty()) {
             return fault;
         }

@@ -16,7 +16,7 @@ constexpr size_t kLongestTitle = 90;  // letters, as many as fit above one panel
 }  // namespace
 
 std::string PlotScript::add(const std::vector<double>& x, const std::vector<double>& y, double gap) {
-    const std::string name = "$data" + std::to_string(blocks_++);
+    std::string name = "$data" + std::to_string(blocks_++);
     data_ << name << " << END\n";
     for (size_t i = 0; i < x.size(); ++i) {
         if (i > 0 && std::abs(y[i] - y[i - 1]) > gap) {

@@ -88,7 +88,7 @@ void add_gains(Settings& settings, const BandGains& gainDb, EqRoute route) {
 }
 
 std::string checked_text(const Settings& settings, Dialect dialect) {
-    const std::string text = settings_text(settings, dialect);
+    std::string text = settings_text(settings, dialect);
     const CheckResult result = dialect == Dialect::kFile ? check_file(text) : check_parameter_string(text);
     if (result.worst() != Severity::kNote) {
         throw Failure("the new text fails its own check: " + result.diagnostics.front().message);
