@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "chain/absurd_settings.h"
+#include "dsp/grid.h"
 #include "dsp/poison.h"
 #include "dsp/shared_value.h"
 
@@ -56,10 +57,7 @@ void speaker_control_values(parameterTWS& tws, parameterDEN& den) {
 }
 
 void overlap_add(const float* frame, Overlap& buffer) {
-    float* target = buffer.current();
-    for (int i = 0; i < kFrameSamples; ++i) {
-        target[i] = target[i] + frame[i];
-    }
+    add_scaled(frame, 1.0f, kFrameSamples, buffer.current());
 }
 
 // Returns the working channel count: 1, 2 or 3.
@@ -73,9 +71,7 @@ int analyse(float* frameIn, float channelCount, const parameterDEN& den) {
     int channels = 2;
     if (den.stereoOutput != 1.0f) {
         float* centre = frameIn + 2 * kFrameSamples;
-        for (int i = 0; i < kFrameSamples; ++i) {
-            centre[i] = centre[i] * kCentreBoost;
-        }
+        scale(kCentreBoost, kFrameSamples, centre);
         channels = 3;
     }
     for (int k = 0; k < channels; ++k) {
@@ -133,10 +129,7 @@ void widen(int channels, const parameterTWS& tws, float* frameOut) {
 void speaker_route(int channels, const parameterTWS& tws, const parameterEQ& eq, const parameterDRC& drc,
                    const parameterVB& vb, const parameterGEQ& geq, float* frameOut) {
     for (Overlap& buffer : overlap) {
-        float* current = buffer.current();
-        for (int i = 0; i < kHopSamples; ++i) {
-            current[i] = current[i] * 0.5f;
-        }
+        scale(0.5f, kHopSamples, buffer.current());
     }
     widen(channels, tws, frameOut);
     const float n = channels > 1 ? 2.0f : 1.0f;

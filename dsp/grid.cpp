@@ -46,6 +46,12 @@ void add_scaled(const float* x, float gain, int count, float* y) {
     }
 }
 
+void scale(float gain, int count, float* x) {
+    for (int i = 0; i < count; ++i) {
+        x[i] = x[i] * gain;
+    }
+}
+
 }  // namespace scalar
 
 ZOQ_KERNEL(sum, const float* x, float* y);
@@ -53,6 +59,7 @@ ZOQ_KERNEL(log10_on_grid, float* x);
 ZOQ_KERNEL(exp10_on_grid, const float* x, float* y);
 ZOQ_KERNEL(interp1_fac3, const float* x, float* y);
 ZOQ_KERNEL(add_scaled, const float* x, float gain, int count, float* y);
+ZOQ_KERNEL(scale, float gain, int count, float* x);
 
 namespace {
 
@@ -90,6 +97,10 @@ void interp1_fac3(const float* x, float* y) {
 
 void add_scaled(const float* x, float gain, int count, float* y) {
     add_scaled_kernel.run({{y, size_t(count) * sizeof(float)}}, x, gain, count, y);
+}
+
+void scale(float gain, int count, float* x) {
+    scale_kernel.run({{x, size_t(count) * sizeof(float)}}, gain, count, x);
 }
 
 void b_abs(const float* x, float* y) {

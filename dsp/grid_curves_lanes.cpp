@@ -16,6 +16,10 @@ namespace {
 constexpr double kErrorBound = 0x1p-38;
 constexpr double kLn2 = 0.69314718055994530942, kLn10 = 2.3025850929940456840;
 
+// Bits to calculate with: inputs that the series do not cover may wrap around.
+typedef uint32_t HalfWords __attribute__((vector_size(4 * kDoubles)));
+typedef uint64_t LongWords __attribute__((vector_size(8 * kDoubles)));
+
 struct Rounded {
     HalfFloats value;
     HalfInts uncertain;  // masks
@@ -32,8 +36,8 @@ ZOQ_INLINE Rounded log10_of(HalfFloats x) {
     constexpr int32_t kRootOfHalf = 0x3F3504F3, kLeastNormal = 0x00800000, kInfinity = 0x7F800000;
     constexpr double kScale = 2.0 / kLn10;
     const HalfInts bits = HalfInts(x);
-    const HalfInts exponent = (bits - kRootOfHalf) >> 23;
-    const Doubles m = doubles_of(HalfFloats(bits - (exponent << 23)));
+    const HalfInts exponent = HalfInts(HalfWords(bits) - uint32_t{kRootOfHalf}) >> 23;
+    const Doubles m = doubles_of(HalfFloats(HalfWords(bits) - (HalfWords(exponent) << 23)));
     const Doubles s = (m - 1.0) / (m + 1.0), z = s * s, z2 = z * z;
     const Doubles low = (kScale + z * (kScale / 3)) + z2 * (kScale / 5 + z * (kScale / 7));
     const Doubles high = (kScale / 9 + z * (kScale / 11)) + z2 * (kScale / 13);
@@ -53,7 +57,7 @@ ZOQ_INLINE Rounded exp10_of(HalfFloats x) {
     const Doubles middle = (1.0 / 24 + f * (1.0 / 120)) + f2 * (1.0 / 720 + f * (1.0 / 5040));
     const Doubles high = (1.0 / 40320 + f * (1.0 / 362880)) + f2 * (1.0 / 3628800);
     const Doubles fraction = low + f4 * (middle + f4 * high);
-    Rounded y = rounded(Doubles(LongInts(fraction) + (LongInts(shifted) << 52)));
+    Rounded y = rounded(Doubles(LongWords(fraction) + (LongWords(shifted) << 52)));
     y.uncertain |= ~((x > -37.0f) & (x < 38.0f));  // else the result is no normal number
     return y;
 }

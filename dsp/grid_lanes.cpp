@@ -33,4 +33,11 @@ void add_scaled(const float* x, float gain, int count, float* y) {
     }
 }
 
+void scale(float gain, int count, float* x) {
+    const Lanes factor = broadcast(gain);
+    for (int i = 0; i < count; i += kLanes) {
+        store(x + i, load(x + i) * factor);
+    }
+}
+
 }  // namespace android::ZOQ_LEVEL

@@ -101,6 +101,12 @@ ZOQ_INLINE IntLanes at_most(Lanes a, Lanes b) {
 ZOQ_INLINE Lanes select(IntLanes mask, Lanes a, Lanes b) {
     return {vbslq_f32(uint32x4_t(mask), a.v, b.v)};
 }
+ZOQ_INLINE Lanes floats_of(IntLanes a) {
+    return {vcvtq_f32_s32(int32x4_t(a))};
+}
+ZOQ_INLINE IntLanes truncated(Lanes a) {
+    return IntLanes(vcvtq_s32_f32(a.v));
+}
 // Lanes kFirst and kFirst + 1, kFirst even, become *x and *y.
 template <int kFirst>
 ZOQ_INLINE Lanes with_pair(Lanes a, const float* x, const float* y) {
@@ -166,6 +172,13 @@ ZOQ_INLINE Lanes lanes_of(FloatVector v) {
 ZOQ_INLINE Lanes select(IntLanes mask, Lanes a, Lanes b) {
     return mask ? a : b;
 }
+ZOQ_INLINE Lanes floats_of(IntLanes a) {
+    return __builtin_convertvector(a, Lanes);
+}
+// Toward zero; for magnitudes below 2^31.
+ZOQ_INLINE IntLanes truncated(Lanes a) {
+    return __builtin_convertvector(a, IntLanes);
+}
 #endif
 
 ZOQ_INLINE Lanes absolute(Lanes a) {
@@ -178,10 +191,16 @@ ZOQ_INLINE Lanes shuffle(Lanes a, Lanes b) {
     return lanes_of(__builtin_shufflevector(vector_of(a), vector_of(b), I...));
 }
 
-ZOQ_INLINE IntLanes load_ints(const int32_t* x) {
+ZOQ_INLINE IntLanes load_bits(const void* x) {
     IntLanes v;
     __builtin_memcpy(&v, x, sizeof v);
     return v;
+}
+ZOQ_INLINE IntLanes load_ints(const int32_t* x) {
+    return load_bits(x);
+}
+ZOQ_INLINE void store_bits(void* y, IntLanes a) {
+    __builtin_memcpy(y, &a, sizeof a);
 }
 
 using LaneIndices = std::make_integer_sequence<int, kLanes>;
@@ -387,7 +406,6 @@ ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
 // Doubles: half as many in a register. The conversions are the rounding ones of the language.
 constexpr int kDoubles = kLanes / 2;
 typedef double Doubles __attribute__((vector_size(8 * kDoubles)));
-typedef int64_t LongInts __attribute__((vector_size(8 * kDoubles)));
 typedef float HalfFloats __attribute__((vector_size(4 * kDoubles)));
 typedef int32_t HalfInts __attribute__((vector_size(4 * kDoubles)));
 

@@ -26,7 +26,8 @@ class DryStream {
     // What comes out is no longer what came in, until the stream settles anew with processing off.
     void processing_is_on() { known_ = false; }
 
-    void check(const BlockShape& shape, const std::vector<int16_t>& before, const std::vector<int16_t>& after) {
+    void check(const BlockShape& shape, const std::vector<int16_t>& before,
+               const std::vector<int16_t>& after) {
         const bool taken = takes(shape);
         if (!taken) {
             require(after == before, "a block that isn't played comes back untouched");

@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     require(ftruncate(file, 0) == 0 && pwrite(file, data, size, 0) == static_cast<ssize_t>(size),
             "there is a file to read");
     try {
-        check_head(load_head("/proc/self/fd/" + std::to_string(file)));
+        check_head(load_head("/proc/self/fd/" + std::to_string(file), 1));
     } catch (const HeadError&) {
         return 0;
     }

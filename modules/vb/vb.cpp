@@ -75,9 +75,7 @@ void mix_to_mono(const float* io, float channels, float* mono) {
         return;
     }
     sum(io, mono);
-    for (int i = 0; i < kHopSamples; ++i) {
-        mono[i] = mono[i] * 0.5f;
-    }
+    scale(0.5f, kHopSamples, mono);
 }
 
 void filter_by(const float* sos, float sectionCount, StereoDelays* delays, int channels, float* io) {

@@ -83,5 +83,25 @@ if command -v gnuplot >/dev/null; then
     expect 0 'Headphone_EQ_62hzgain' "$zoq" config check eq_config.txt
 fi
 
+# No file that is read is replaced, and none appears in part.
+printf 'Filter 1: ON PK Fc 1000 Hz Gain 6 dB Q 1.41\n' >eq.txt
+cp eq.txt eq_before.txt
+cp good.txt before.txt
+fails 2 'same file' "$zoq" config write --from good.txt --output ./good.txt
+fails 2 'same file' "$zoq" config write --eq eq.txt --output eq.txt
+fails 2 'same file' "$zoq" config check good.txt --fix --output good.txt
+fails 2 'same file' "$zoq" measure --config good.txt --csv good.txt
+fails 1 'No space left' sh -c "exec '$zoq' config write --from good.txt >/dev/full"
+fails 2 'No space left' sh -c "exec '$zoq' config check good.txt >/dev/full"
+fails 1 'No space left' sh -c "exec '$zoq' params >/dev/full"
+cmp -s good.txt before.txt && cmp -s eq.txt eq_before.txt || { echo "lost input"; failures=$((failures + 1)); }
+if command -v gnuplot >/dev/null; then
+    # The script is within the limit, the picture beyond it.
+    expect 1 "cannot keep gnuplot's picture" sh -c "ulimit -f 20; exec '$zoq' config write --eq eq.txt --plot big.svg"
+fi
+for leftover in big.svg .zoq-*; do
+    [ ! -e "$leftover" ] || { echo "left behind: $leftover"; failures=$((failures + 1)); }
+done
+
 [ "$failures" -eq 0 ] && echo "all as expected"
 [ "$failures" -eq 0 ]

@@ -123,7 +123,7 @@ TEST_F(TimelineTest, LevelMatchedInputIsAsLoudAsTheOutput) {
 TEST_F(TimelineTest, LevelMatchedPeaksAreClippedAndTold) {
     Sound peaks = tone(10 * kRate, 997.0, 0.02);
     for (size_t i = 100; i < peaks.values.size(); i += 6000) {
-        peaks.values[i] = i % 4 == 0 ? int16_t{29000} : int16_t{-29000};
+        peaks.values[i] = i / 6000 % 2 == 0 ? int16_t{29000} : int16_t{-29000};
     }
     write("peaks.wav", peaks);
     const Outcome outcome =
@@ -180,8 +180,8 @@ TEST_F(TimelineTest, NoFileIsWrittenTwiceOrOverWhatIsRead) {
     EXPECT_EQ(shell("zoq measure --what latency --csv a.svg --plot ./a.svg").code, 2);
 }
 
-// Noise through a chain that folds to one channel and does nothing else: where it sits is known to the sample. Behind a
-// change of route the delay is that of the new one.
+// Behind a change of route the sound is early by what the two routes' delays differ, ahead of that, untouched, by all of
+// the first one's.
 TEST_F(TimelineTest, ARouteEventMovesTheSoundByTheDifferenceOfTheDelays) {
     Sound input = silence(4 * kRate);
     const size_t early = kRate, untouched = 2 * kRate + 4000, late = 3 * kRate + 4000;

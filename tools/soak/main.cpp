@@ -70,7 +70,7 @@ void report(uint64_t seed, const soak::Outcome& first, int64_t sampleFrames) {
                 again.fault == first.fault && again.sampleFrame == first.sampleFrame
                     ? "the same again"
                     : "not the same, so what was played before matters");
-    std::printf("to repeat: zoq-soak --seed %" PRIu64 " --hours 0.16\n", seed);
+    std::printf("to repeat: zoq-soak --seed %" PRIu64 " --hours 0.17\n", seed);
 }
 
 int soak_for(double wanted, uint64_t seed) {

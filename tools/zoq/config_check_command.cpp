@@ -6,6 +6,7 @@
 
 #include "tools/zoq/config_command.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/text_file.h"
 #include "tools/zoq/tuning/config_check.h"
 #include "tools/zoq/tuning/config_fix.h"
@@ -47,6 +48,7 @@ void check_options(const CheckCommand& command) {
     if (command.fix && command.hasFile && command.hasString) {
         throw UsageFailure("--fix takes either FILE or --string");
     }
+    check_kept({{"FILE (--in-place replaces it)", command.file}}, {{"--output", command.output}});
     if (command.inPlace && (!command.hasFile || command.file == "-")) {
         throw UsageFailure("--in-place needs a FILE");
     }

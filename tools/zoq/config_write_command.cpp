@@ -66,7 +66,9 @@ void check_options(const WriteCommand& command) {
     if (!command.plot.empty() && (command.eq.empty() || !is_picture_path(command.plot))) {
         throw UsageFailure("--plot needs --eq and a name that ends in .svg or .png");
     }
-    check_different({{"--output", command.output}, {"--plot", command.plot}});
+    const std::vector<NamedFile> outputs = {{"--output", command.output}, {"--plot", command.plot}};
+    check_different(outputs);
+    check_kept({{"--from", command.from}, {"--eq", command.eq}}, outputs);
     if (!(command.fit.hiHz >= 2.0 * command.fit.loHz)) {
         throw UsageFailure("--eq-lowest must lie at least an octave below --eq-highest");
     }

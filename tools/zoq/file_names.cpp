@@ -21,6 +21,12 @@ fs::path folder_of(const fs::path& path) {
     return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
 
+void check_pair(const NamedFile& a, const NamedFile& b) {
+    if (!a.path.empty() && !b.path.empty() && same_file(a.path, b.path)) {
+        throw UsageFailure(a.role + " and " + b.role + " are the same file, " + quoted(b.path));
+    }
+}
+
 }  // namespace
 
 bool same_file(const std::string& a, const std::string& b) {
@@ -40,10 +46,16 @@ bool same_file(const std::string& a, const std::string& b) {
 void check_different(const std::vector<NamedFile>& outputs) {
     for (size_t i = 0; i < outputs.size(); ++i) {
         for (size_t j = 0; j < i; ++j) {
-            const std::string &a = outputs[j].path, &b = outputs[i].path;
-            if (!a.empty() && !b.empty() && same_file(a, b)) {
-                throw UsageFailure(outputs[j].role + " and " + outputs[i].role + " are the same file, " +
-                                   quoted(b));
+            check_pair(outputs[j], outputs[i]);
+        }
+    }
+}
+
+void check_kept(const std::vector<NamedFile>& inputs, const std::vector<NamedFile>& outputs) {
+    for (const NamedFile& input : inputs) {
+        for (const NamedFile& output : outputs) {
+            if (output.path != "-") {
+                check_pair(input, output);
             }
         }
     }

@@ -10,12 +10,16 @@ namespace zoq {
 // the same as "-" alone.
 bool same_file(const std::string& a, const std::string& b);
 
-// A file that a command is to write, and what the user calls it: {"OUTPUT", "out.wav"}. Files without a name are none.
+// A file that a command is to read or write, and what the user calls it: {"OUTPUT", "out.wav"}. Files without a name
+// are none.
 struct NamedFile {
     std::string role, path;
 };
 
 // Throws UsageFailure when two of them are one.
 void check_different(const std::vector<NamedFile>& outputs);
+
+// Throws UsageFailure when a file that is read would be replaced.
+void check_kept(const std::vector<NamedFile>& inputs, const std::vector<NamedFile>& outputs);
 
 }  // namespace zoq

@@ -128,7 +128,11 @@ void check(const Command& command) {
     if (!(low >= -80.0 && high > low && high <= 0.0)) {
         throw UsageFailure("--step needs two levels of -80 to 0 dBFS, the lower one first");
     }
-    check_different({{"--csv", command.csv}, {"--plot", command.picture}});
+    const std::vector<NamedFile> outputs = {{"--csv", command.csv}, {"--plot", command.picture}};
+    check_different(outputs);
+    for (const std::string& text : command.options.engine.files) {
+        check_kept({{"--config", text}}, outputs);
+    }
     if (!command.picture.empty() && !is_picture_path(command.picture)) {
         throw UsageFailure("cannot draw " + quoted(command.picture) + ": the name must end in .svg or .png");
     }

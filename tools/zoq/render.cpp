@@ -62,11 +62,9 @@ void check_files(const RenderOptions& options, const AudioInput& input) {
         if (!path.empty() && path != "-" && input.is_same_file(path)) {
             throw Failure("INPUT and " + role + " are the same file, " + quoted(path));
         }
-        for (const std::string& text : options.engine.files) {
-            if (!path.empty() && path != "-" && same_file(text, path)) {
-                throw UsageFailure("--config and " + role + " are the same file, " + quoted(path));
-            }
-        }
+    }
+    for (const std::string& text : options.engine.files) {
+        check_kept({{"--config", text}}, outputs);
     }
 }
 

@@ -101,8 +101,8 @@ void apply(const EngineSettings& settings, EngineSession& session) {
 
 std::string unknown_setting(const std::string& key) {
     const std::string text = "unknown setting " + quoted(key);
-    if (key == "HIFIPARA") {
-        return text + ": processing is on unless an option switches it off";
+    if (key == "HIFIPARA" || key == "output_device") {
+        return text + ": an option of its own stands for it";
     }
     const int row = closest_key(key, Dialect::kString).row;
     return text + ", did you mean " + quoted(spelling(row, Dialect::kString)) + "?";

@@ -58,7 +58,7 @@ Reason key_reason(const KeyGuess& guess, Dialect dialect) {
 }
 
 void note_ignored(CheckResult& result, const Token& token, Severity severity, const char* code,
-                  std::string why, std::string suggestion = "") {
+                  const std::string& why, std::string suggestion = "") {
     result.ignored.push_back({std::string(token.text), token.place, code});
     report(result, severity, code, token, shown(token.text) + " is ignored: " + why, std::move(suggestion));
 }
