@@ -355,6 +355,36 @@ ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
 }
 #endif
 
+// Complex values from and to memory with their parts apart, in the order in which they lie there. Where that takes no
+// shuffle, kernels keep the parts apart; elsewhere side by side (dsp/complex_lanes.h).
+#ifdef ZOQ_NEON32
+constexpr bool kLoadsApart = true;
+ZOQ_INLINE ComplexLanes load_apart(const float* x) {
+    const float32x4x2_t parts = vld2q_f32(x);
+    return {{parts.val[0]}, {parts.val[1]}};
+}
+ZOQ_INLINE void store_apart(float* y, ComplexLanes z) {
+    vst2q_f32(y, {{z.re.v, z.im.v}});
+}
+#else
+constexpr bool kLoadsApart = false;
+template <int... I>
+ZOQ_INLINE ComplexLanes apart(Lanes a, Lanes b, std::integer_sequence<int, I...>) {
+    return {shuffle<(2 * I)...>(a, b), shuffle<(2 * I + 1)...>(a, b)};
+}
+ZOQ_INLINE ComplexLanes load_apart(const float* x) {
+    return apart(load(x), load(x + kLanes), LaneIndices());
+}
+template <int... I>
+ZOQ_INLINE void store_apart(float* y, ComplexLanes z, std::integer_sequence<int, I...>) {
+    store(y, shuffle<(I % 2 * kLanes + I / 2)...>(z.re, z.im));
+    store(y + kLanes, shuffle<(I % 2 * kLanes + I / 2 + kLanes / 2)...>(z.re, z.im));
+}
+ZOQ_INLINE void store_apart(float* y, ComplexLanes z) {
+    store_apart(y, z, LaneIndices());
+}
+#endif
+
 // a[0] b[0] c[0] a[1] b[1] c[1] ...
 #ifdef ZOQ_NEON32
 ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {

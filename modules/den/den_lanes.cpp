@@ -241,13 +241,13 @@ void den_scale_bands(const DenBands& bands, const float* gain, DenSpectra& s) {
 
 void den_window_centre(const creal32_T* frame, float* io) {
     for (int n = 0; n < kFrameSamples; n += kLanes) {
-        store(io + 2 * kFrameSamples + n, load_complex(&frame[n].re).re * load(kSineWindow + n));
+        store(io + 2 * kFrameSamples + n, load_apart(&frame[n].re).re * load(kSineWindow + n));
     }
 }
 
 void den_window_sides(const creal32_T* frame, float* io) {
     for (int n = 0; n < kFrameSamples; n += kLanes) {
-        const ComplexLanes pair = load_complex(&frame[n].re);
+        const ComplexLanes pair = load_apart(&frame[n].re);
         const Lanes window = load(kSineWindow + n);
         store(io + n, pair.re * window);
         store(io + kFrameSamples + n, pair.im * window);

@@ -8,13 +8,13 @@ namespace {
 
 constexpr int kLastBin = kBins - 1;  // the one behind the whole vectors
 
-struct Ears {
-    Lanes left, right;
-};
-
-ZOQ_INLINE Ears filtered(Lanes same, Lanes cross, Lanes l, Lanes r) {
-    const Factor left = factor_of(l), right = factor_of(r);
-    return {product(same, left) + product(cross, right), product(cross, left) + product(same, right)};
+template <typename Access>
+ZOQ_INLINE void filter_bins(const parameterTWS* parameters, const TwsPair& in, TwsPair& out, int k) {
+    const Bins same = Access::bins(parameters->sameSideFilter + k);
+    const Bins cross = Access::bins(parameters->crossFeedFilter + k);
+    const Factor left = factor_of(Access::bins(in.left + k)), right = factor_of(Access::bins(in.right + k));
+    Access::put(out.left + k, product(same, left) + product(cross, right));
+    Access::put(out.right + k, product(cross, left) + product(same, right));
 }
 
 // Where in the frame a sample of the hop finds the direct signal; outside the frame the nearest sample.
@@ -40,17 +40,10 @@ const float* delayed_hop(const float* channel, float delay, float* copy) {
 }  // namespace
 
 void tws_filter(const parameterTWS* parameters, const TwsPair& in, TwsPair& out) {
-    const creal32_T *same = parameters->sameSideFilter, *cross = parameters->crossFeedFilter;
-    for (int k = 0; k < kLastBin; k += kPairs) {
-        const Ears ears = filtered(load(same + k), load(cross + k), load(in.left + k), load(in.right + k));
-        store(out.left + k, ears.left);
-        store(out.right + k, ears.right);
+    for (int k = 0; k < kLastBin; k += Bins::kCount) {
+        filter_bins<Whole>(parameters, in, out, k);
     }
-    const int k = kLastBin;
-    const Ears ears =
-        filtered(load_one(same + k), load_one(cross + k), load_one(in.left + k), load_one(in.right + k));
-    store_one(out.left + k, ears.left);
-    store_one(out.right + k, ears.right);
+    filter_bins<Single>(parameters, in, out, kLastBin);
 }
 
 void tws_mix(const creal32_T* frame, const float* in, float delay, float gain, float* out) {
@@ -60,7 +53,7 @@ void tws_mix(const creal32_T* frame, const float* in, float delay, float gain, f
     const float* centre = delayed_hop(in + 2 * kFrameSamples, delay, copies[2]);
     const Lanes share = broadcast(gain), directShare = broadcast(1.0f - gain);
     for (int i = 0; i < kHopSamples; i += kLanes) {
-        const ComplexLanes widened = load_complex(&frame[kHopSamples + i].re);
+        const ComplexLanes widened = load_apart(&frame[kHopSamples + i].re);
         const Lanes c = load(centre + i), inWidened = broadcast(kTwsCentreInWidened) * c;
         Lanes l = widened.re + inWidened, r = widened.im + inWidened;
         if (gain < 1.0f) {

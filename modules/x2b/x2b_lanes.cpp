@@ -35,87 +35,91 @@ Plan plan_of(int partitions, const parameterX2B* parameters, const X2bRendering&
     return plan;
 }
 
-// How a bin is read and written: with those behind it, or alone.
-struct Whole {
-    static constexpr int kBinsAtOnce = kPairs;
-    ZOQ_INLINE Lanes read(const creal32_T* x) { return load(x); }
-    ZOQ_INLINE void write(creal32_T* y, Lanes a) { store(y, a); }
-};
-struct Single {
-    ZOQ_INLINE Lanes read(const creal32_T* x) { return load_one(x); }
-    ZOQ_INLINE void write(creal32_T* y, Lanes a) { store_one(y, a); }
-};
-
-// Both ears of all partitions at bin k; the channels come in their order in every sum.
-template <int kChannels, typename Bins>
-ZOQ_INLINE void add_full(const Plan& plan, int partitions, const X2bRendering& r, const X2bInputs& x, int k) {
+// Both ears of the partitions begin .. end - 1 at bin k; the channels come in their order in every sum.
+template <int kChannels, typename Access>
+ZOQ_INLINE void add_full(const Plan& plan, int begin, int end, const X2bRendering& r, const X2bInputs& x,
+                         int k) {
     const Lanes wide = broadcast(r.wide), narrow = broadcast(r.narrow);
-    const Factor left = factor_of(Bins::read(x.channel[0] + k));
-    const Factor right = kChannels > 1 ? factor_of(Bins::read(x.channel[1] + k)) : left;
-    const Factor middle = kChannels > 2 ? factor_of(Bins::read(x.channel[2] + k)) : left;
-    ZOQ_UNROLL for (int p = 0; p < partitions; ++p) {
+    const Factor left = factor_of(Access::bins(x.channel[0] + k));
+    const Factor right = kChannels > 1 ? factor_of(Access::bins(x.channel[1] + k)) : left;
+    const Factor middle = kChannels > 2 ? factor_of(Access::bins(x.channel[2] + k)) : left;
+    ZOQ_UNROLL for (int p = begin; p < end; ++p) {
         const Partition& rows = plan.partition[p];
-        const Lanes same = Bins::read(rows.wide + k) * wide + Bins::read(rows.narrow + k) * narrow;
-        const Lanes other =
-            (Bins::read(rows.otherWide + k) * wide + Bins::read(rows.otherNarrow + k) * narrow) *
+        const Bins same =
+            add_product(Access::bins(rows.wide + k) * wide, Access::bins(rows.narrow + k), narrow);
+        const Bins other =
+            add_product(Access::bins(rows.otherWide + k) * wide, Access::bins(rows.otherNarrow + k), narrow) *
             broadcast(rows.oppositeGain);
-        Lanes first = Bins::read(rows.ear[0] + k) + product(same, left);
-        Lanes second = Bins::read(rows.ear[1] + k) + product(other, left);
+        Bins first = Access::bins(rows.ear[0] + k) + product(same, left);
+        Bins second = Access::bins(rows.ear[1] + k) + product(other, left);
         if constexpr (kChannels > 1) {
             first = first + product(other, right);
             second = second + product(same, right);
         }
         if constexpr (kChannels > 2) {
-            const Lanes centre = product(Bins::read(rows.front + k) * broadcast(rows.centreGain), middle);
+            const Bins centre = product(Access::bins(rows.front + k) * broadcast(rows.centreGain), middle);
             first = first + centre;
             second = second + centre;
         }
-        Bins::write(rows.ear[0] + k, first);
-        Bins::write(rows.ear[1] + k, second);
+        Access::put(rows.ear[0] + k, first);
+        Access::put(rows.ear[1] + k, second);
     }
 }
 
-template <int kChannels, typename Bins>
-ZOQ_INLINE void add_fading(const Plan& plan, int partitions, const X2bRendering& r, const X2bInputs& x,
+template <int kChannels, typename Access>
+ZOQ_INLINE void add_fading(const Plan& plan, int begin, int end, const X2bRendering& r, const X2bInputs& x,
                            int k) {
-    Lanes channel[kX2bMaxChannels];
+    Bins channel[kX2bMaxChannels];
     Factor factor[kX2bMaxChannels];
     for (int c = 0; c < kChannels; ++c) {
-        channel[c] = Bins::read(x.channel[c] + k);
+        channel[c] = Access::bins(x.channel[c] + k);
         factor[c] = factor_of(channel[c]);
     }
-    ZOQ_UNROLL for (int p = 0; p < partitions; ++p) {
+    ZOQ_UNROLL for (int p = begin; p < end; ++p) {
         const Partition& rows = plan.partition[p];
-        const Lanes same = Bins::read(rows.narrow + k) * broadcast(r.filtered);
-        const Lanes front = Bins::read(rows.front + k) * broadcast(r.filtered * rows.centreGain);
+        const Bins same = Access::bins(rows.narrow + k) * broadcast(r.filtered);
+        const Bins front = Access::bins(rows.front + k) * broadcast(r.filtered * rows.centreGain);
         for (int ear = 0; ear < (kChannels > 1 ? kX2bEars : 1); ++ear) {
-            Lanes sum = Bins::read(rows.ear[ear] + k) + product(same, factor[ear]);
+            Bins sum = Access::bins(rows.ear[ear] + k) + product(same, factor[ear]);
             if (p == 0) {
-                sum = sum + channel[ear] * broadcast(r.dry);
+                sum = add_product(sum, channel[ear], broadcast(r.dry));
             }
             if constexpr (kChannels > 2) {
                 sum = sum + product(front, factor[kX2bCentreChannel]);
                 if (p == 0) {
-                    sum = sum + channel[kX2bCentreChannel] * broadcast(r.dry);
+                    sum = add_product(sum, channel[kX2bCentreChannel], broadcast(r.dry));
                 }
             }
-            Bins::write(rows.ear[ear] + k, sum);
+            Access::put(rows.ear[ear] + k, sum);
         }
     }
+}
+
+// One step for each vector of bins, with all partitions together, so that the channels are made ready once; where an
+// address in memory takes an instruction of its own, with one partition after another.
+template <typename Step>
+ZOQ_INLINE void for_bins(int partitions, Step step) {
+    const int together = kLoadsApart ? 1 : partitions;
+    for (int p = 0; p < partitions; p += together) {
+        for (int k = 0; k < kLastBin; k += Bins::kCount) {
+            step(Whole(), p, p + together, k);
+        }
+    }
+    step(Single(), 0, partitions, kLastBin);
 }
 
 template <int kChannels>
 ZOQ_INLINE void add_bins(const Plan& plan, int partitions, const X2bRendering& r, const X2bInputs& x) {
     if (r.fading) {
-        for (int k = 0; k < kLastBin; k += kPairs) {
-            add_fading<kChannels, Whole>(plan, partitions, r, x, k);
-        }
-        add_fading<kChannels, Single>(plan, partitions, r, x, kLastBin);
+        for_bins(
+            partitions, [&](auto access, int begin, int end, int k) __attribute__((always_inline)) {
+                add_fading<kChannels, decltype(access)>(plan, begin, end, r, x, k);
+            });
     } else {
-        for (int k = 0; k < kLastBin; k += kPairs) {
-            add_full<kChannels, Whole>(plan, partitions, r, x, k);
-        }
-        add_full<kChannels, Single>(plan, partitions, r, x, kLastBin);
+        for_bins(
+            partitions, [&](auto access, int begin, int end, int k) __attribute__((always_inline)) {
+                add_full<kChannels, decltype(access)>(plan, begin, end, r, x, k);
+            });
     }
 }
 
@@ -145,7 +149,7 @@ void x2b_accumulate(const X2bInputs& x, int channels, int partitions, const para
 
 void x2b_current_hop(const creal32_T* frame, float* out) {
     for (int i = 0; i < kHopSamples; i += kLanes) {
-        const ComplexLanes ears = load_complex(&frame[kHopSamples + i].re);
+        const ComplexLanes ears = load_apart(&frame[kHopSamples + i].re);
         store(out + i, ears.re);
         store(out + kHopSamples + i, ears.im);
     }
