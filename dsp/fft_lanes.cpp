@@ -16,14 +16,33 @@ namespace {
 
 constexpr int kRows = kFrameSamples / kLanes;
 
-// The twiddle 1, which is not multiplied.
+ZOQ_INLINE ComplexLanes product(ComplexLanes w, ComplexLanes x) {
+    return {subtract_product(w.re * x.re, w.im, x.im), add_product(w.im * x.re, w.re, x.im)};
+}
+
+// Twiddles whose products are known or are known to agree save multiplications, but none that decides the sign of a
+// zero. The twiddle 1 is not multiplied at all.
 struct Unit {};
+struct QuarterTurn {};   // -j
+struct EighthTurn {};    // (1 - j) sqrt(1/2)
+struct ThreeEighths {};  // (-1 - j) sqrt(1/2)
+
+constexpr float kRootHalf = 0.70710677f;
 
 ZOQ_INLINE ComplexLanes product(Unit, ComplexLanes x) {
     return x;
 }
-ZOQ_INLINE ComplexLanes product(ComplexLanes w, ComplexLanes x) {
-    return {subtract_product(w.re * x.re, w.im, x.im), add_product(w.im * x.re, w.re, x.im)};
+ZOQ_INLINE ComplexLanes product(QuarterTurn, ComplexLanes x) {
+    const Lanes zero = broadcast(0.0f);
+    return {zero * x.re + x.im, zero * x.im - x.re};
+}
+ZOQ_INLINE ComplexLanes product(EighthTurn, ComplexLanes x) {
+    const Lanes root = broadcast(kRootHalf), re = root * x.re, im = root * x.im;
+    return {re + im, im - re};
+}
+ZOQ_INLINE ComplexLanes product(ThreeEighths, ComplexLanes x) {
+    const Lanes re = broadcast(-kRootHalf) * x.re, im = broadcast(kRootHalf) * x.im;
+    return {re + im, re - im};
 }
 
 template <typename Twiddle>
@@ -38,21 +57,42 @@ ZOQ_INLINE ComplexLanes row_twiddle(int span, int offset) {
     return {broadcast(kStageCos[span + offset]), broadcast(kStageSin[span + offset])};
 }
 
-// Two stages on four rows `span` apart, three on eight; the first twiddle of a stage may be 1.
-template <typename W>
-ZOQ_INLINE void two_stages(ComplexLanes* z, W first, W second, ComplexLanes second1) {
-    butterfly(z[0], z[1], first);
-    butterfly(z[2], z[3], first);
-    butterfly(z[0], z[2], second);
-    butterfly(z[1], z[3], second1);
+// The twiddles of up to three stages on rows `span` apart, for the first rows of blocks and for rows `offset`.
+struct TwiddlesAtStart {
+    Unit first, second0;
+    QuarterTurn second1;
+    Unit third0;
+    EighthTurn third1;
+    QuarterTurn third2;
+    ThreeEighths third3;
+};
+struct TwiddlesAt {
+    ComplexLanes first, second0, second1, third0, third1, third2, third3;
+};
+ZOQ_INLINE TwiddlesAt twiddles_at(int span, int offset) {
+    return {row_twiddle(span, offset),
+            row_twiddle(2 * span, offset),
+            row_twiddle(2 * span, offset + span),
+            row_twiddle(4 * span, offset),
+            row_twiddle(4 * span, offset + span),
+            row_twiddle(4 * span, offset + 2 * span),
+            row_twiddle(4 * span, offset + 3 * span)};
 }
 
-template <typename W>
-ZOQ_INLINE void third_stage(ComplexLanes* z, W w, ComplexLanes w1, ComplexLanes w2, ComplexLanes w3) {
-    butterfly(z[0], z[4], w);
-    butterfly(z[1], z[5], w1);
-    butterfly(z[2], z[6], w2);
-    butterfly(z[3], z[7], w3);
+template <typename Twiddles>
+ZOQ_INLINE void two_stages(ComplexLanes* z, Twiddles w) {
+    butterfly(z[0], z[1], w.first);
+    butterfly(z[2], z[3], w.first);
+    butterfly(z[0], z[2], w.second0);
+    butterfly(z[1], z[3], w.second1);
+}
+
+template <typename Twiddles>
+ZOQ_INLINE void third_stage(ComplexLanes* z, Twiddles w) {
+    butterfly(z[0], z[4], w.third0);
+    butterfly(z[1], z[5], w.third1);
+    butterfly(z[2], z[6], w.third2);
+    butterfly(z[3], z[7], w.third3);
 }
 
 constexpr int reversed(int value, int count) {
@@ -91,20 +131,16 @@ struct InterleavedInverse {
 };
 struct Real {
     const float* x;
-    ZOQ_MEMBER ComplexLanes row(int r) const { return {load(x + r * kLanes), broadcast(0.0f)}; }
+    ZOQ_MEMBER ComplexLanes row(int r) const {
+        return {in_lane_order(load(x + r * kLanes)), broadcast(0.0f)};
+    }
 };
 struct StereoPair {
     const float* left;
     const float* right;
-    ZOQ_MEMBER ComplexLanes row(int r) const { return {load(left + r * kLanes), -load(right + r * kLanes)}; }
-};
-struct Planes {
-    alignas(4 * kLanes) float re[kFrameSamples + kLanes];  // one value behind the last is used
-    alignas(4 * kLanes) float im[kFrameSamples + kLanes];
-};
-struct PlanesInverse {
-    const Planes* x;
-    ZOQ_MEMBER ComplexLanes row(int r) const { return {load(x->im + r * kLanes), load(x->re + r * kLanes)}; }
+    ZOQ_MEMBER ComplexLanes row(int r) const {
+        return {in_lane_order(load(left + r * kLanes)), -in_lane_order(load(right + r * kLanes))};
+    }
 };
 
 // Where its results go, kLanes at a time.
@@ -119,42 +155,42 @@ struct ToInterleavedInverse {
         store_complex(&y[n].re, {z.im * scale, z.re * scale});
     }
 };
-struct ToHalvedPlanes {
-    Planes* y;
+struct ToHalved {
+    creal32_T* y;
     ZOQ_MEMBER void put(int n, ComplexLanes z) const {
         const Lanes half = broadcast(0.5f);
-        store(y->re + n, z.re * half);
-        store(y->im + n, z.im * half);
+        store_complex(&y[n].re, {z.re * half, z.im * half});
     }
 };
 
-// The first stages, of eight or four neighbouring rows.
+// The first three stages.
 template <typename Source>
 ZOQ_INLINE void first_stages(Source source, ComplexLanes* rows) {
-    const ComplexLanes quarter = row_twiddle(2, 1);
-#if ZOQ_LANES == 16 || 1
-    const ComplexLanes w1 = row_twiddle(4, 1), w2 = row_twiddle(4, 2), w3 = row_twiddle(4, 3);
+    const TwiddlesAtStart w;
     for (int i = 0; i < kRows; i += 8) {
         ComplexLanes z[8];
-        ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
-            z[k] = source.row(kReversedRow.of[i] + kReversedOf8.of[k] * (kRows / 8));
+        ZOQ_UNROLL for (int k = 0; k < 8; k += 4) {
+            ZOQ_UNROLL for (int l = k; l < k + 4; ++l) {
+                z[l] = source.row(kReversedRow.of[i] + kReversedOf8.of[l] * (kRows / 8));
+            }
+            two_stages(z + k, w);
         }
-        two_stages(z, Unit(), Unit(), quarter);
-        two_stages(z + 4, Unit(), Unit(), quarter);
-        third_stage(z, Unit(), w1, w2, w3);
+        third_stage(z, w);
         ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
             rows[i + k] = z[k];
         }
     }
-#endif
 }
 
-template <typename W>
-ZOQ_INLINE void two_stages_at(ComplexLanes* rows, int span, int offset, W first, W second) {
-    const ComplexLanes second1 = row_twiddle(2 * span, offset + span);
+// Two further stages, on the rows `offset` of all blocks.
+template <typename Twiddles>
+ZOQ_INLINE void two_stages_at(ComplexLanes* rows, int span, int offset, Twiddles w) {
     for (int i = offset; i < kRows; i += 4 * span) {
-        ComplexLanes z[4] = {rows[i], rows[i + span], rows[i + 2 * span], rows[i + 3 * span]};
-        two_stages(z, first, second, second1);
+        ComplexLanes z[4];
+        ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
+            z[k] = rows[i + k * span];
+        }
+        two_stages(z, w);
         ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
             rows[i + k * span] = z[k];
         }
@@ -162,26 +198,24 @@ ZOQ_INLINE void two_stages_at(ComplexLanes* rows, int span, int offset, W first,
 }
 
 ZOQ_INLINE void next_two_stages(ComplexLanes* rows, int span) {
-    two_stages_at(rows, span, 0, Unit(), Unit());
+    two_stages_at(rows, span, 0, TwiddlesAtStart());
     for (int offset = 1; offset < span; ++offset) {
-        two_stages_at(rows, span, offset, row_twiddle(span, offset), row_twiddle(2 * span, offset));
+        two_stages_at(rows, span, offset, twiddles_at(span, offset));
     }
 }
 
-template <typename W>
-ZOQ_INLINE void three_stages_at(ComplexLanes* rows, int span, int offset, W first, W second, W third) {
-    const ComplexLanes second1 = row_twiddle(2 * span, offset + span);
-    const ComplexLanes third1 = row_twiddle(4 * span, offset + span),
-                       third2 = row_twiddle(4 * span, offset + 2 * span),
-                       third3 = row_twiddle(4 * span, offset + 3 * span);
+#if ZOQ_LANES != 8
+// Three further stages.
+template <typename Twiddles>
+ZOQ_INLINE void three_stages_at(ComplexLanes* rows, int span, int offset, Twiddles w) {
     for (int i = offset; i < kRows; i += 8 * span) {
         ComplexLanes z[8];
         ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
             z[k] = rows[i + k * span];
         }
-        two_stages(z, first, second, second1);
-        two_stages(z + 4, first, second, second1);
-        third_stage(z, third, third1, third2, third3);
+        two_stages(z, w);
+        two_stages(z + 4, w);
+        third_stage(z, w);
         ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
             rows[i + k * span] = z[k];
         }
@@ -189,61 +223,106 @@ ZOQ_INLINE void three_stages_at(ComplexLanes* rows, int span, int offset, W firs
 }
 
 ZOQ_INLINE void next_three_stages(ComplexLanes* rows, int span) {
-    three_stages_at(rows, span, 0, Unit(), Unit(), Unit());
+    three_stages_at(rows, span, 0, TwiddlesAtStart());
     for (int offset = 1; offset < span; ++offset) {
-        three_stages_at(rows, span, offset, row_twiddle(span, offset), row_twiddle(2 * span, offset),
-                        row_twiddle(4 * span, offset));
+        three_stages_at(rows, span, offset, twiddles_at(span, offset));
     }
 }
+#endif
 
-// The rest of the stages within columns.
+// The rest of the stages on whole rows.
 [[gnu::noinline]] void middle_stages(ComplexLanes* rows) {
-#if ZOQ_LANES == 16
+#if ZOQ_LANES == 4
     next_three_stages(rows, 8);
+    next_two_stages(rows, 64);
 #elif ZOQ_LANES == 8
     next_two_stages(rows, 8);
     next_two_stages(rows, 32);
 #else
     next_three_stages(rows, 8);
-    next_two_stages(rows, 64);
 #endif
 }
 
-// One stage across vectors: z[b] holds the values b x kRows + i and following.
-template <int kSpan, bool kFirst>
-ZOQ_INLINE void stage_across(ComplexLanes* z, int i) {
-    ZOQ_UNROLL for (int k = 0; k < kLanes / 2; ++k) {
-        const int offset = k % kSpan;
-        ComplexLanes& upper = z[k / kSpan * 2 * kSpan + offset];
-        ComplexLanes& lower = z[k / kSpan * 2 * kSpan + offset + kSpan];
-        const int entry = (kSpan + offset) * kRows + i;
-        const ComplexLanes w{load(kStageCos + entry), load(kStageSin + entry)};
-        ComplexLanes t = product(w, lower);
-        if (kFirst && offset == 0) {
-            const IntLanes one = lane_numbers() == 0;  // the lane whose twiddle is 1
-            t = {select(one, lower.re, t.re), select(one, lower.im, t.im)};
-        }
-        lower = {upper.re - t.re, upper.im - t.im};
-        upper = {upper.re + t.re, upper.im + t.im};
+// The twiddles of a stage in the order of the lanes.
+#if ZOQ_LANES == 8
+constexpr const float (&kCos)[kFrameSamples] = kStageCosInPairs, (&kSin)[kFrameSamples] = kStageSinInPairs;
+#else
+constexpr const float (&kCos)[kFrameSamples] = kStageCos, (&kSin)[kFrameSamples] = kStageSin;
+#endif
+
+// Joins vectors of values `span` rows apart, with the twiddles of the rows `offset` x kRows + i and following.
+template <bool kFirst>
+ZOQ_INLINE void butterfly_across(ComplexLanes& upper, ComplexLanes& lower, int span, int offset, int i) {
+    const int entry = (span + offset) * kRows + i;
+    const ComplexLanes w{load(kCos + entry), load(kSin + entry)};
+    ComplexLanes t = product(w, lower);
+    if (kFirst && offset == 0) {
+        const IntLanes one = lane_numbers() == 0;  // the lane whose twiddle is 1
+        t = {select(one, lower.re, t.re), select(one, lower.im, t.im)};
     }
-    if constexpr (2 * kSpan < kLanes) {
-        stage_across<2 * kSpan, kFirst>(z, i);
+    lower = {upper.re - t.re, upper.im - t.im};
+    upper = {upper.re + t.re, upper.im + t.im};
+}
+
+// The stages within kCount vectors, one half after the other, which keeps few of them in use.
+template <int kCount, bool kFirst>
+ZOQ_INLINE void stages_across(ComplexLanes* z, int i) {
+    if constexpr (kCount > 1) {
+        stages_across<kCount / 2, kFirst>(z, i);
+        stages_across<kCount / 2, kFirst>(z + kCount / 2, i);
+        ZOQ_UNROLL for (int k = 0; k < kCount / 2; ++k) {
+            butterfly_across<kFirst>(z[k], z[k + kCount / 2], kCount / 2, k, i);
+        }
     }
 }
 
-// The last stages of the rows i to i + kLanes - 1 and of what they become.
+// The last stages of the rows i to i + kLanes - 1 and of what they become: z[b] holds the values b x kRows + i and
+// following.
 template <bool kFirst, typename Sink>
 ZOQ_INLINE void last_stages_at(const ComplexLanes* rows, int i, Sink sink) {
-    Lanes re[kLanes], im[kLanes];
-    load_transposed(&rows[i].re, 2, re);
-    load_transposed(&rows[i].im, 2, im);
     ComplexLanes z[kLanes];
-    ZOQ_UNROLL for (int b = 0; b < kLanes; ++b) {
-        z[b] = {re[kReversedLane.of[b]], im[kReversedLane.of[b]]};
+#if ZOQ_LANES == 8
+    ZOQ_UNROLL for (int half = 0; half < 2; ++half) {
+        Lanes re[4], im[4];
+        ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
+            const auto* lower = reinterpret_cast<const FourFloats*>(rows + i + kLaneOrder[k]) + half;
+            const auto* upper = reinterpret_cast<const FourFloats*>(rows + i + kLaneOrder[4 + k]) + half;
+            re[k] = __builtin_shufflevector(lower[0], upper[0], 0, 1, 2, 3, 4, 5, 6, 7);
+            im[k] = __builtin_shufflevector(lower[2], upper[2], 0, 1, 2, 3, 4, 5, 6, 7);
+        }
+        transpose_quarters(re);
+        transpose_quarters(im);
+        ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
+            z[kReversedLane.of[kLaneOrder[4*half + k]]] = {re[k], im[k]};
+        }
+        butterfly_across<kFirst>(z[2*half], z[2*half+1], 1, 0, i);
+        butterfly_across<kFirst>(z[2*half+4], z[2*half+5], 1, 0, i);
     }
-    stage_across<1, kFirst>(z, i);
+    ZOQ_UNROLL for (int k = 0; k < 8; k += 4) {
+        butterfly_across<kFirst>(z[k], z[k+2], 2, 0, i);
+        butterfly_across<kFirst>(z[k+1], z[k+3], 2, 1, i);
+    }
+    constexpr int kHalf = kLanes / 2;
+#else
+    Lanes re[kLanes], im[kLanes];
+    ZOQ_UNROLL for (int l = 0; l < kLanes; ++l) {
+        re[l] = rows[i + kLaneOrder[l]].re;
+        im[l] = rows[i + kLaneOrder[l]].im;
+    }
+    transpose(re);
+    transpose(im);
     ZOQ_UNROLL for (int b = 0; b < kLanes; ++b) {
+        const int l = kLaneOrder[kReversedLane.of[b]];
+        z[b] = {re[l], im[l]};
+    }
+    constexpr int kHalf = kLanes / 2;
+    stages_across<kHalf, kFirst>(z, i);
+    stages_across<kHalf, kFirst>(z + kHalf, i);
+#endif
+    ZOQ_UNROLL for (int b = 0; b < kHalf; ++b) {
+        butterfly_across<kFirst>(z[b], z[b + kHalf], kHalf, b, i);
         sink.put(b * kRows + i, z[b]);
+        sink.put((b + kHalf) * kRows + i, z[b + kHalf]);
     }
 }
 
@@ -258,8 +337,8 @@ ZOQ_INLINE void transform(Source source, Sink sink) {
     }
 }
 
-[[gnu::noinline]] void inverse(const Planes& spectrum, creal32_T* frame) {
-    transform(PlanesInverse{&spectrum}, ToInterleavedInverse{frame});
+[[gnu::noinline]] void inverse(const creal32_T* x, creal32_T* y) {
+    transform(InterleavedInverse{x}, ToInterleavedInverse{y});
 }
 
 constexpr struct BitReversal {
@@ -306,7 +385,12 @@ void ifft(const int32_t* target, const creal32_T* x, creal32_T* y) {
     if (!is_bit_reversal(target)) {
         return scalar::ifft(target, x, y);
     }
-    transform(InterleavedInverse{x}, ToInterleavedInverse{y});
+    inverse(x, y);
+}
+
+// The mirror of the bins k to k + kLanes - 1 begins at mirrored(k), in reversed order.
+ZOQ_INLINE int mirrored(int k) {
+    return kFrameSamples - k - (kLanes - 1);
 }
 
 void split_stereo_spectrum(const int32_t* target, const float* left, const float* right, creal32_T* leftHalf,
@@ -314,20 +398,18 @@ void split_stereo_spectrum(const int32_t* target, const float* left, const float
     if (!is_bit_reversal(target)) {
         return scalar::split_stereo_spectrum(target, left, right, leftHalf, rightHalf);
     }
-    Planes s;
-    transform(StereoPair{left, right}, ToHalvedPlanes{&s});
-    s.re[kFrameSamples] = s.re[0];
-    s.im[kFrameSamples] = s.im[0];
+    alignas(64) creal32_T s[kFrameSamples + 1];
+    transform(StereoPair{left, right}, ToHalved{s});
+    s[kFrameSamples] = s[0];
     for (int k = 0; k < kBins - 1; k += kLanes) {
-        const int mirrored = kFrameSamples - k - (kLanes - 1);
-        const Lanes re = load(s.re + k), im = load(s.im + k);
-        const Lanes mirrorRe = reverse(load(s.re + mirrored)), mirrorIm = reverse(load(s.im + mirrored));
-        store_complex(&leftHalf[k].re, {re + mirrorRe, im - mirrorIm});
-        store_complex(&rightHalf[k].re, {-(im + mirrorIm), re - mirrorRe});
+        const ComplexLanes z = load_complex(&s[k].re), reversed = load_complex(&s[mirrored(k)].re);
+        const ComplexLanes mirror{reverse(reversed.re), reverse(reversed.im)};
+        store_complex(&leftHalf[k].re, {z.re + mirror.re, z.im - mirror.im});
+        store_complex(&rightHalf[k].re, {-(z.im + mirror.im), z.re - mirror.re});
     }
-    constexpr int kMiddle = kBins - 1;  // its own mirror
-    leftHalf[kMiddle] = {s.re[kMiddle] + s.re[kMiddle], s.im[kMiddle] - s.im[kMiddle]};
-    rightHalf[kMiddle] = {-(s.im[kMiddle] + s.im[kMiddle]), s.re[kMiddle] - s.re[kMiddle]};
+    const creal32_T middle = s[kBins - 1];  // its own mirror
+    leftHalf[kBins - 1] = {middle.re + middle.re, middle.im - middle.im};
+    rightHalf[kBins - 1] = {-(middle.im + middle.im), middle.re - middle.re};
 }
 
 void merge_stereo_spectrum(const int32_t* target, const creal32_T* leftHalf, const creal32_T* rightHalf,
@@ -335,18 +417,15 @@ void merge_stereo_spectrum(const int32_t* target, const creal32_T* leftHalf, con
     if (!is_bit_reversal(target)) {
         return scalar::merge_stereo_spectrum(target, leftHalf, rightHalf, frame);
     }
-    Planes s;
+    alignas(64)
+        creal32_T s[kFrameSamples + 1];  // the mirror of bin 0 is written behind the last and not read
     for (int k = 0; k < kBins - 1; k += kLanes) {
         const ComplexLanes a = load_complex(&leftHalf[k].re), b = load_complex(&rightHalf[k].re);
-        const int mirrored = kFrameSamples - k - (kLanes - 1);
-        store(s.re + mirrored, reverse(a.re + b.im));
-        store(s.im + mirrored, reverse(b.re - a.im));
-        store(s.re + k, a.re - b.im);
-        store(s.im + k, a.im + b.re);
+        store_complex(&s[mirrored(k)].re, {reverse(a.re + b.im), reverse(b.re - a.im)});
+        store_complex(&s[k].re, {a.re - b.im, a.im + b.re});
     }
     const creal32_T a = leftHalf[kBins - 1], b = rightHalf[kBins - 1];
-    s.re[kBins - 1] = a.re - b.im;
-    s.im[kBins - 1] = a.im + b.re;
+    s[kBins - 1] = {a.re - b.im, a.im + b.re};
     inverse(s, frame);
 }
 
@@ -354,17 +433,13 @@ void merge_mono_spectrum(const int32_t* target, const creal32_T* half, creal32_T
     if (!is_bit_reversal(target)) {
         return scalar::merge_mono_spectrum(target, half, frame);
     }
-    Planes s;
+    alignas(64) creal32_T s[kFrameSamples + 1];
     for (int k = 0; k < kBins - 1; k += kLanes) {
         const ComplexLanes a = load_complex(&half[k].re);
-        const int mirrored = kFrameSamples - k - (kLanes - 1);
-        store(s.re + mirrored, reverse(a.re));
-        store(s.im + mirrored, reverse(-a.im));
-        store(s.re + k, a.re);
-        store(s.im + k, a.im);
+        store_complex(&s[mirrored(k)].re, {reverse(a.re), reverse(-a.im)});
+        store_complex(&s[k].re, a);
     }
-    s.re[kBins - 1] = half[kBins - 1].re;
-    s.im[kBins - 1] = half[kBins - 1].im;
+    s[kBins - 1] = half[kBins - 1];
     inverse(s, frame);
 }
 

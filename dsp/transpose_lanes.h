@@ -1,4 +1,4 @@
-// The transposition of kLanes x kLanes floats on their way from memory into registers, for kernels.
+// The transposition of kLanes x kLanes floats in registers, for kernels.
 #pragma once
 
 #include "dsp/lanes.h"
@@ -43,33 +43,35 @@ ZOQ_INLINE Lanes odd_quarters(Lanes a, Lanes b) {
 }
 #endif
 
-// Reads kLanes rows of one vector each, stride vectors apart: column[i] receives lane i of every row.
-ZOQ_INLINE void load_transposed(const Lanes* rows, int stride, Lanes* column) {
+#if ZOQ_LANES == 8
+// The lower halves of a and b, the upper ones.
+ZOQ_INLINE Lanes lower_halves(Lanes a, Lanes b) {
+    return shuffle<0, 1, 2, 3, 8, 9, 10, 11>(a, b);
+}
+ZOQ_INLINE Lanes upper_halves(Lanes a, Lanes b) {
+    return shuffle<4, 5, 6, 7, 12, 13, 14, 15>(a, b);
+}
+#endif
+
+// Lane j of vector i and lane i of vector j change places, for kLanes vectors.
+ZOQ_INLINE void transpose(Lanes* v) {
+    ZOQ_UNROLL for (int k = 0; k < kLanes; k += 4) {
+        transpose_quarters(v + k);
+    }
 #if ZOQ_LANES == 8
     ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
-        const auto* a = reinterpret_cast<const FourFloats*>(rows + k * stride);
-        const auto* b = reinterpret_cast<const FourFloats*>(rows + (4 + k) * stride);
-        column[k] = join_halves(a[0], b[0]);
-        column[4 + k] = join_halves(a[1], b[1]);
+        const Lanes a = v[k], b = v[4 + k];
+        v[k] = lower_halves(a, b);
+        v[4 + k] = upper_halves(a, b);
     }
-#else
-    ZOQ_UNROLL for (int k = 0; k < kLanes; ++k) {
-        column[k] = rows[k * stride];
-    }
-#endif
-    ZOQ_UNROLL for (int k = 0; k < kLanes; k += 4) {
-        transpose_quarters(column + k);
-    }
-#if ZOQ_LANES == 16
+#elif ZOQ_LANES == 16
     ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
-        const Lanes a = lower_halves(column[k], column[4 + k]),
-                    b = lower_halves(column[8 + k], column[12 + k]);
-        const Lanes c = upper_halves(column[k], column[4 + k]),
-                    d = upper_halves(column[8 + k], column[12 + k]);
-        column[k] = even_quarters(a, b);
-        column[4 + k] = odd_quarters(a, b);
-        column[8 + k] = even_quarters(c, d);
-        column[12 + k] = odd_quarters(c, d);
+        const Lanes a = lower_halves(v[k], v[4 + k]), b = lower_halves(v[8 + k], v[12 + k]);
+        const Lanes c = upper_halves(v[k], v[4 + k]), d = upper_halves(v[8 + k], v[12 + k]);
+        v[k] = even_quarters(a, b);
+        v[4 + k] = odd_quarters(a, b);
+        v[8 + k] = even_quarters(c, d);
+        v[12 + k] = odd_quarters(c, d);
     }
 #endif
 }
