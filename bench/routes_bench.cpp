@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "bench/ratios.h"
+#include "bench/settings.h"
 #include "bench/signals.h"
 #include "zoq2processing.h"
 
@@ -16,20 +17,12 @@ constexpr int kBlockValues = 2 * kHopSamples;
 constexpr int kBlockBytes = 2 * kBlockValues;
 constexpr int kMusicBlocks = 188;  // two seconds
 
-constexpr char kEverythingOn[] =
-    "HIFIPARA=STEREOWIDEN_Enable=true;CompressionGain=70;Headphone_CompressionGain=70;VB_boostlin=50;"
-    "EQ_trebleBoost=30;DS_stereoWidth=80;HP_SurroundWidth=90;DEN_centspeechgain=50;"
-    "EQ_62hzgain=3;EQ_125hzgain=3;EQ_250hzgain=-2;EQ_500hzgain=-2;EQ_1khzgain=1;EQ_2khzgain=1;EQ_4khzgain=2;"
-    "EQ_8khzgain=3;EQ_16khzgain=3;Headphone_EQ_62hzgain=3;Headphone_EQ_125hzgain=3;Headphone_EQ_250hzgain=-2;"
-    "Headphone_EQ_500hzgain=-2;Headphone_EQ_1khzgain=1;Headphone_EQ_2khzgain=1;Headphone_EQ_4khzgain=2;"
-    "Headphone_EQ_8khzgain=3;Headphone_EQ_16khzgain=3;output_device=";
-
 class Player {
   public:
     explicit Player(const char* device)
         : music_(bench::music(kMusicBlocks * kHopSamples)), block_(kBlockValues) {
         ZOQ_OUTPROC_PLAY_INIT();
-        String8 settings(kEverythingOn);
+        String8 settings(bench::kEverythingOn);
         settings.append(device);
         ZOQ_PARAMS_SET(settings);
         for (int i = 0; i < kMusicBlocks; ++i) {

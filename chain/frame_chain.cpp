@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <bit>
 
+#include "chain/absurd_settings.h"
+#include "dsp/grid.h"
+#include "dsp/poison.h"
 #include "dsp/shared_value.h"
 
 namespace android {
@@ -24,6 +27,18 @@ struct Overlap {
 
 Overlap overlap[kChainChannels];  // reset: 0
 
+bool wasAbsurd = false;  // whether the hop before ran under absurd settings; survives a reset
+
+// What they leave in the memories may pass for the work of sane ones, which a compressor takes many seconds to
+// forget, so the first sane hop starts afresh.
+void reset_after_absurd_settings(bool absurd) {
+    if (wasAbsurd && !absurd) {
+        stereoWidening_frame_initialize();
+        ++poisonResets;
+    }
+    wasAbsurd = absurd;
+}
+
 void headphone_control_values(const parameterX2B& x2b, parameterDEN& den) {
     const float w = load_shared(x2b.surroundWidth);
     den.wideAmount = w >= 0.8f ? (w - 0.8f) * 20.0f : 0.0f;
@@ -42,10 +57,7 @@ void speaker_control_values(parameterTWS& tws, parameterDEN& den) {
 }
 
 void overlap_add(const float* frame, Overlap& buffer) {
-    float* target = buffer.current();
-    for (int i = 0; i < kFrameSamples; ++i) {
-        target[i] = target[i] + frame[i];
-    }
+    add_scaled(frame, 1.0f, kFrameSamples, buffer.current());
 }
 
 // Returns the working channel count: 1, 2 or 3.
@@ -59,9 +71,7 @@ int analyse(float* frameIn, float channelCount, const parameterDEN& den) {
     int channels = 2;
     if (den.stereoOutput != 1.0f) {
         float* centre = frameIn + 2 * kFrameSamples;
-        for (int i = 0; i < kFrameSamples; ++i) {
-            centre[i] = centre[i] * kCentreBoost;
-        }
+        scale(kCentreBoost, kFrameSamples, centre);
         channels = 3;
     }
     for (int k = 0; k < channels; ++k) {
@@ -119,10 +129,7 @@ void widen(int channels, const parameterTWS& tws, float* frameOut) {
 void speaker_route(int channels, const parameterTWS& tws, const parameterEQ& eq, const parameterDRC& drc,
                    const parameterVB& vb, const parameterGEQ& geq, float* frameOut) {
     for (Overlap& buffer : overlap) {
-        float* current = buffer.current();
-        for (int i = 0; i < kHopSamples; ++i) {
-            current[i] = current[i] * 0.5f;
-        }
+        scale(0.5f, kHopSamples, buffer.current());
     }
     widen(channels, tws, frameOut);
     const float n = channels > 1 ? 2.0f : 1.0f;
@@ -148,6 +155,8 @@ void stereoWidening_frame(float* frameIn, float channelCount, uint8_t headphone,
                           parameterTWS* tws, const parameterEQ* eq, const parameterDRC* drc,
                           const parameterVB* vb, const parameterX2B* x2b, const parameterGEQ* geq,
                           float* frameOut) {
+    reset_after_absurd_settings(headphone != 0 ? headphone_settings_absurd(*den, *x2b, *geq)
+                                               : speaker_settings_absurd(*den, *tws, *eq, *drc, *vb, *geq));
     if (headphone != 0) {
         headphone_control_values(*x2b, *den);
     } else {

@@ -15,7 +15,8 @@ namespace android {
 
 inline constexpr int kChainChannels = 3;  // left, right, centre
 
-// Processes one frame and returns the hop that became complete.
+// Processes one frame and returns the hop that became complete. The first hop whose settings are sane behind absurd
+// ones (chain/absurd_settings.h) begins with a reset of every module, as below.
 //        argument      shape         direction
 //        frameIn       3 x 1024      in/out   left and right frame, or mono in block 0; work space for stereo input
 //        channelCount  2.0: stereo   in       any other value: one channel, block 0

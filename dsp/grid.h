@@ -28,6 +28,10 @@ void d_abs(const float* x, float* y);
 // y[i] = x[i] + x[512 + i]: the two channels of a hop added.     x: 2 x 512 samples, y: 512, may be x
 void sum(const float* x, float* y);
 
+// y[i] = y[i] + gain * x[i], and x[i] = x[i] * gain.     count: a multiple of 16
+void add_scaled(const float* x, float gain, int count, float* y);
+void scale(float gain, int count, float* x);
+
 float rdivide(float a, float b);                    // a / b
 void b_rdivide(const float* x, float d, float* y);  // y[i] = x[i] / d for 512 samples
 void squeeze(const float* x, float* y);             // copies 4 floats

@@ -1,6 +1,7 @@
 #include "audio_parameter.h"
 
 #include <android/log.h>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -8,6 +9,44 @@
 #include "host/locale_free.h"
 
 namespace android {
+
+namespace {
+
+// Tokens are stored in the order of their keys, so that a text of very many keys takes no time that grows with their
+// square; equal keys in the order in which they stand, so that the last one wins.
+struct Token {
+    const char* key;
+    const char* value;  // null without "="
+
+    bool operator<(const Token& other) const {
+        const int order = std::strcmp(key, other.key);
+        return order != 0 ? order < 0 : key < other.key;
+    }
+};
+
+// At most; empty tokens count.
+size_t token_count(const char* text) {
+    size_t count = 1;
+    for (; *text != '\0'; ++text) {
+        count += *text == ';' ? 1 : 0;
+    }
+    return count;
+}
+
+// Cuts the text up in place; returns the end of the tokens.
+Token* split(char* text, Token* tokens) {
+    char* rest = nullptr;
+    for (char* token = strtok_r(text, ";", &rest); token != nullptr; token = strtok_r(nullptr, ";", &rest)) {
+        char* value = std::strchr(token, '=');
+        if (value != nullptr) {
+            *value++ = '\0';
+        }
+        *tokens++ = {token, value};
+    }
+    return tokens;
+}
+
+}  // namespace
 
 const char* AudioParameter::keyRouting = "routing";
 const char* AudioParameter::keySamplingRate = "sampling_rate";
@@ -30,32 +69,38 @@ AudioParameter::AudioParameter() = default;
 
 AudioParameter::AudioParameter(const String8& text) : keyValuePairs(text) {
     char* copy = strdup(text.string());
-    if (copy == nullptr) {
-        return;
-    }
-    char* rest = nullptr;
-    for (char* token = strtok_r(copy, ";", &rest); token != nullptr; token = strtok_r(nullptr, ";", &rest)) {
-        char* value = std::strchr(token, '=');
-        if (value != nullptr) {
-            *value++ = '\0';
+    const auto tokens = static_cast<Token*>(std::malloc(token_count(text.string()) * sizeof(Token)));
+    if (copy != nullptr && tokens != nullptr) {
+        Token* end = split(copy, tokens);
+        std::sort(tokens, end);
+        for (const Token* token = tokens; token != end; ++token) {
+            parameters.add(Pair{Key(token->key), String8(token->value)});
         }
-        parameters.add(Pair{Key(token), String8(value)});
     }
+    std::free(tokens);
     std::free(copy);
 }
 
 String8 AudioParameter::toString() const {
-    String8 text;
+    size_t length = 1;
     for (size_t i = 0; i < parameters.size(); ++i) {
-        if (i > 0) {
-            text.append(";");
-        }
-        const Pair& pair = parameters.itemAt(i);
-        text.append(pair.key);
-        text.append("=");
-        text.append(pair.value);
+        length += parameters.itemAt(i).key.length() + parameters.itemAt(i).value.length() + 2;
     }
-    return text;
+    char* text = static_cast<char*>(std::malloc(length));
+    if (text == nullptr) {
+        return String8();
+    }
+    char* end = text;
+    for (size_t i = 0; i < parameters.size(); ++i) {
+        end = stpcpy(end, i > 0 ? ";" : "");
+        end = stpcpy(end, parameters.itemAt(i).key.string());
+        end = stpcpy(end, "=");
+        end = stpcpy(end, parameters.itemAt(i).value.string());
+    }
+    *end = '\0';
+    const String8 result(text);
+    std::free(text);
+    return result;
 }
 
 status_t AudioParameter::add(const String8& key, const String8& value) {

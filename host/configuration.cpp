@@ -95,13 +95,14 @@ bool apply_configuration_file(const char* path) {
         return false;
     }
     char* text = static_cast<char*>(std::malloc(kConfigurationMaxBytes + 1));
-    if (text != nullptr) {
+    const bool room = text != nullptr;
+    if (room) {
         text[std::fread(text, 1, kConfigurationMaxBytes, file)] = '\0';
         apply_tokens(text);
         std::free(text);
     }
     std::fclose(file);
-    return text != nullptr;
+    return room;
 }
 
 void widening_initilization() {

@@ -2,8 +2,8 @@
 //
 // After music ends filter memories decay through the subnormal range, where a hop would cost many times its
 // normal time. Flushing is part of how the output is defined. The scope also fixes rounding to nearest and
-// masks exceptions, so that a host's own mode cannot change the output; the host's mode comes back at its
-// end.
+// masks exceptions, so that a host's own mode cannot change the output; the host's mode and the exceptions it had
+// seen come back at its end.
 #pragma once
 
 #include <cstdint>
@@ -35,15 +35,17 @@ class FlushToZero {
         _mm_setcsr(mode);
     }
 #elif defined(__aarch64__)
-    using Mode = uint64_t;
-    static constexpr Mode kMode = Mode{1} << 24;  // FZ: inputs and results
+    struct Mode {
+        uint64_t control, status;  // the exceptions raised so far have a register of their own
+    };
+    static constexpr Mode kMode = {uint64_t{1} << 24, 0};  // FZ: inputs and results
     static Mode read() {
         Mode mode;
-        asm volatile("mrs %0, fpcr" : "=r"(mode)::"memory");
+        asm volatile("mrs %0, fpcr\n\tmrs %1, fpsr" : "=r"(mode.control), "=r"(mode.status)::"memory");
         return mode;
     }
     static void write(Mode mode) {
-        asm volatile("msr fpcr, %0" ::"r"(mode) : "memory");
+        asm volatile("msr fpcr, %0\n\tmsr fpsr, %1" ::"r"(mode.control), "r"(mode.status) : "memory");
     }
 #else
     using Mode = uint32_t;

@@ -1,16 +1,13 @@
 #include "host/frame_driver.h"
 
 #include <algorithm>
-#include <limits>
 
+#include "dsp/pcm.h"
 #include "dsp/shared_value.h"
 
 namespace android {
 
 namespace {
-
-constexpr float kFromInt16 = 1.0f / 32768.0f;
-constexpr float kToInt16 = 32768.0f;
 
 // Full compression in dB: headphones, and the loudspeaker below and above the volume threshold.
 constexpr float kHeadphoneFullDb = 20.0f;
@@ -34,9 +31,16 @@ void select_band_gains(int headphone) {
 }
 
 void append_history(const PcmFrame& frame) {
+    float(*histories)[kFrameSamples] = b_parameterMEM.frameHistory;
     for (int c = 0; c < frame.channels; ++c) {
-        float* history = b_parameterMEM.frameHistory[c];
-        std::copy_n(history + kHopSamples, kHopSamples, history);
+        std::copy_n(histories[c] + kHopSamples, kHopSamples, histories[c]);
+    }
+    if (frame.is_whole_stereo()) {
+        from_pcm(frame.values, histories[0] + kHopSamples, histories[1] + kHopSamples);
+        return;
+    }
+    for (int c = 0; c < frame.channels; ++c) {
+        float* history = histories[c];
         for (int i = 0; i < kHopSamples; ++i) {
             history[kHopSamples + i] = float(frame.get(i * frame.channels + c)) * kFromInt16;
         }
@@ -63,6 +67,10 @@ void copy_to_chain() {
 void store_output(const PcmFrame& frame, int chainChannels) {
     const float* left = b_parameterMEM.frameOut[0];
     const float* right = chainChannels > 1 ? b_parameterMEM.frameOut[1] : left;
+    if (frame.is_whole_stereo()) {
+        to_pcm(left, right, frame.values);
+        return;
+    }
     for (int i = 0; i < kHopSamples; ++i) {
         const int base = i * frame.channels;
         frame.put(base, to_int16(left[i] * kToInt16));
@@ -74,19 +82,6 @@ void store_output(const PcmFrame& frame, int chainChannels) {
 }
 
 }  // namespace
-
-int16_t to_int16(float value) {
-    constexpr float kLimit = 2147483648.0f;  // 2^31
-    int32_t integer = 0;
-    if (value >= kLimit) {
-        integer = std::numeric_limits<int32_t>::max();
-    } else if (value <= -kLimit) {
-        integer = std::numeric_limits<int32_t>::min();
-    } else if (value == value) {
-        integer = static_cast<int32_t>(value);
-    }
-    return static_cast<int16_t>(static_cast<uint16_t>(static_cast<uint32_t>(integer) & 0xFFFFu));
-}
 
 void process_frame(int headphone, const PcmFrame& frame) {
     parameterMEM& mem = b_parameterMEM;

@@ -12,6 +12,7 @@ struct PcmFrame {
     int available;  // int16 values
     int channels;   // 1..6
 
+    bool is_whole_stereo() const { return channels == 2 && available >= 2 * kHopSamples; }
     int16_t get(int index) const { return index < available ? values[index] : int16_t{0}; }
     void put(int index, int16_t value) const {
         if (index < available) {
@@ -22,9 +23,5 @@ struct PcmFrame {
 
 // Processes 512 sample frames in place; nothing happens while processing is off and faded out.
 void process_frame(int headphone, const PcmFrame& frame);
-
-// Truncates toward zero to 32 bits, saturating there, not-a-number giving 0; the low 16 bits are the result,
-// so +1.0 x 32768 wraps to -32768.
-int16_t to_int16(float value);
 
 }  // namespace android

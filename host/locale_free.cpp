@@ -1,6 +1,7 @@
 #include "host/locale_free.h"
 
 #include <locale.h>
+#include <pthread.h>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
@@ -11,7 +12,9 @@ namespace {
 
 // Made once, at first use, and never freed: a host may still call while the process ends.
 locale_t c_locale() {
-    static const locale_t the = newlocale(LC_ALL_MASK, "C", nullptr);
+    static locale_t the;
+    static pthread_once_t made = PTHREAD_ONCE_INIT;
+    pthread_once(&made, [] { the = newlocale(LC_ALL_MASK, "C", nullptr); });
     return the;
 }
 

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 
+#include "dsp/pcm.h"
 #include "dsp/shared_value.h"
 #include "host/engine_state.h"
 #include "host/flush_to_zero.h"
@@ -67,6 +68,9 @@ bool rings_hold(const Block& block) {
 
 void crossfade(const int16_t* dry, int16_t* wet) {
     parameterMEM& mem = b_parameterMEM;
+    if (mem.mixRamp == kRampPairs && load_shared(mem.stereoWidenEnable) == 1) {
+        return;  // all wet and to stay so: dry x 0 + wet x 1 is exact
+    }
     for (int p = 0; p < kHopSamples; ++p) {
         const float g = float(mem.mixRamp) / float(kRampPairs);
         for (int i = 2 * p; i < 2 * p + 2; ++i) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <numbers>
 
 namespace zoq::tables {
@@ -33,6 +34,12 @@ bool finite(const Signal& x) {
     return std::all_of(x.begin(), x.end(), [](double value) { return std::isfinite(value); });
 }
 
+std::string degrees(double angle) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.6g", angle);
+    return text;
+}
+
 // Sounds from the left must be louder at the left ear; some exporters swap the ears or run azimuth clockwise.
 void require_left_first(const Head& head) {
     double near = 0.0, far = 0.0;
@@ -61,6 +68,12 @@ void require_sound(const Head& head) {
         const std::string where = "the head's measurement " + std::to_string(m + 1);
         require(std::isfinite(head.directions[m].azimuth) && std::isfinite(head.directions[m].elevation),
                 where + " has no finite direction; remove it or measure it again");
+        // A hair beyond: positions converted from metres are rounded.
+        require(std::fabs(head.directions[m].azimuth) <= 360.001 &&
+                    std::fabs(head.directions[m].elevation) <= 90.001,
+                where + " lies at azimuth " + degrees(head.directions[m].azimuth) + ", elevation " +
+                    degrees(head.directions[m].elevation) +
+                    "; degrees within 360 and 90 are usable, check the units of the positions");
         for (const Signal& response : head.responses[m]) {
             require(finite(response),
                     where + " holds values that are not finite; remove it or measure it again");

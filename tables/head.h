@@ -30,7 +30,7 @@ struct HeadError : std::runtime_error {
 };
 
 // Throws HeadError unless the rate is sensible, all values are finite, no response is silent and the left ear
-// comes first. load_head (tables/head_file.h) has done it.
+// comes first. read_head (tables/head_file.h) has done it.
 void require_sound(const Head& head);
 
 // Angle between two directions, degrees.

@@ -169,7 +169,7 @@ void copy_measurements(const File& file, const Delays& delays, Head& head) {
 
 }  // namespace
 
-Head load_head(const std::string& path) {
+Head read_head(const std::string& path) {
     const File file = open(path);
     require_layout(file, path);
     const Delays delays(file, path);

@@ -9,6 +9,10 @@ inline constexpr const char* kDefaultHeadFile = "/usr/share/libmysofa/MIT_KEMAR_
 
 // Reads and checks a head of the convention SimpleFreeFieldHRIR. Throws HeadError; in a build without libmysofa
 // it does nothing else.
-Head load_head(const std::string& path);
+Head read_head(const std::string& path);
+
+// The same after a child process has tried it, so that no file can break this process or keep it busy; the child has
+// so many seconds of processor time. A signal that this process takes note of ends it with a HeadError.
+Head load_head(const std::string& path, unsigned seconds = 30);
 
 }  // namespace zoq::tables

@@ -3,7 +3,7 @@
 
 namespace zoq::tables {
 
-Head load_head(const std::string& path) {
+Head read_head(const std::string& path) {
     throw HeadError("cannot read " + path +
                     ": built without libmysofa; install libmysofa-dev, configure and build again");
 }

@@ -1,5 +1,7 @@
 // zoq-make-tables: remakes every generated file of the source tree, or checks the committed ones.
 #include <cerrno>
+#include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <filesystem>
@@ -92,10 +94,16 @@ std::string read(const std::filesystem::path& path) {
     return text.str();
 }
 
+// To a file beside the old one, which stays as it is if anything fails.
 void write(const std::filesystem::path& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary);
-    if (!out || !(out << text) || !out.flush()) {
-        throw std::runtime_error("cannot write " + reason(path));
+    const std::filesystem::path fresh = path.string() + ".new";
+    std::ofstream out(fresh, std::ios::binary);
+    out << text;
+    out.close();
+    if (!out || std::rename(fresh.c_str(), path.c_str()) != 0) {
+        const std::string why = reason(path);
+        std::remove(fresh.c_str());
+        throw std::runtime_error("cannot write " + why);
     }
 }
 
@@ -117,12 +125,18 @@ Status run(const Options& options) {
             std::cout << file.path << " is as remade\n";
         }
     }
+    if (!std::cout.flush()) {
+        throw std::runtime_error("cannot write standard output");
+    }
     return status;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    // What a closed pipe or a size limit keeps from being written is an error like others.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         const Options options = read_options({argv + 1, argv + argc});
         if (options.help) {

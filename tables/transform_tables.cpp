@@ -64,11 +64,12 @@ GeneratedFile transform_tables_file() {
     double worst = 0.0;
     std::vector<std::vector<float>> tables;
     for (const Table& table : kTables) {
-        std::vector<float>& floats = tables.emplace_back();
+        std::vector<float> floats;
         for (int j = 0; j < table.size; ++j) {
             floats.push_back(float(table.value(j)));
             worst = std::max(worst, std::fabs(double(floats.back()) - table.value(j)));
         }
+        tables.push_back(floats);
     }
 
     SourceText text(

@@ -2,35 +2,35 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "dsp/complex.h"
 #include "dsp/fft.h"
 #include "dsp/fft_tables.h"
 #include "dsp/grid.h"
+#include "dsp/kernel_level.h"
+#include "dsp/poison.h"
+#include "dsp/shared_value.h"
+#include "modules/den/den_kernels.h"
 #include "modules/den/den_tables.h"
 
 namespace android {
 
 namespace {
 
-constexpr int kCentreBands = 34;  // the centre is looked for up to 8.6 kHz
-constexpr int kSpeechBands = 33;  // speech is judged and boosted up to 7.7 kHz
-constexpr int kHistoryHops = 4;   // two newer against two older: some 40 ms, the pace of syllables
+constexpr int kHistoryHops = 4;  // two newer against two older: some 40 ms, the pace of syllables
 
 // Bands whose fluctuation counts; the lowest three hold bass and hum.
 constexpr int kFirstFluctuationBand = 3, kLastFluctuationBand = 30;
 
-// Bins moved by the widening, about 1.45 to 12 kHz, where the ear takes direction from level differences.
-constexpr int kFirstWideBin = 31, kLastWideBin = 255;
-
-constexpr float kQuotientGuard = 1e-15f;  // keeps quotients of empty bins finite
-constexpr float kPowerGuard = 0.0001f;    // a band below this power counts as empty
-
-constexpr float kNewEnergy = 0.2f, kOldEnergy = 0.8f;      // smoothing of the band energies, per hop
 constexpr float kLeastFluctuation = 20.0f;                 // quieter centres say nothing about speech
 constexpr float kNoSpeech = -2.0f;                         // the lowest value the detector can reach
 constexpr float kAttackNew = 0.3f, kAttackOld = 0.7f;      // speech is believed within a few hops
 constexpr float kReleaseNew = 0.02f, kReleaseOld = 0.98f;  // and given up over tens of hops
+
+// No memory gets there: a full-scale pair in opposite phase, all of it in one band of 19 bins, has a power below
+// 19 x 4 x 1024 x 512 / 2 and twice as much after the widening; the speech activity is smoothed from -2 .. 2.
+constexpr float kPoisonedPower = 1e12f, kPoisonedActivity = 3.0f;
 
 // Last bins, counted from 1, of the factory bands: two bins wide to 2 kHz, then near a sixth of an octave.
 // Each band starts behind the one before it.
@@ -38,40 +38,19 @@ constexpr int kLastBin[kDenBands] = {2,   4,   6,   8,   10,  12,  14,  16,  18,
                                      32,  34,  36,  38,  40,  42,  48,  54,  60,  68,  76,  85,  95, 106, 119,
                                      133, 148, 166, 185, 207, 230, 257, 287, 320, 357, 398, 444, 513};
 
-// Sums of magnitudes per band of one hop.
-struct Magnitudes {
-    float centre[kSpeechBands], side[kSpeechBands];
-};
-
 struct State {
     bool notEmpty;  // reset: false, so the next call zeroes all that follows
     float bdiffSm;  // smoothed speech activity, not clamped
-    float sidePowerSm[kCentreBands];
-    float midPowerSm[kCentreBands];
-    float centerEnergySm[kSpeechBands];
-    float sideEnergySm[kSpeechBands];
-    Magnitudes history[kHistoryHops];  // slot 0 is the newest; only hops that look for speech write it
+    DenPowers powerSm;
+    DenEnergies energySm;
+    DenMagnitudes history[kHistoryHops];  // only hops that look for speech write theirs
+    int newest;  // the slot of this hop; those of the hops before follow it, around the end
 };
 
 State state;
 
-// The three half spectra of a frame.
-struct Spectra {
-    creal32_T left[kBins], right[kBins], centre[kBins];
-};
-
-// Bins first .. end - 1, counted from 0.
-struct Band {
-    int first, end;
-};
-
 struct Gains {
     float left, right;
-};
-
-// A column of the pan curve, highest power first.
-struct Cubic {
-    float c0, c1, c2, c3;
 };
 
 float clamp_to_unit(float x) {
@@ -86,8 +65,16 @@ int index_within(float value, int last) {
     return value < float(last) ? int(value) : last;
 }
 
-Band band_of(const float* bandStart, const float* bandEnd, int j) {
-    return {index_within(bandStart[j], kBins) - 1, index_within(bandEnd[j], kBins)};
+DenBands bands_of(const float* bandStart, const float* bandEnd) {
+    DenBands bands;
+    bands.adjoin = true;
+    for (int j = 0; j < kDenCentreBands; ++j) {
+        const DenBand band{index_within(bandStart[j], kBins) - 1, index_within(bandEnd[j], kBins)};
+        const bool follows = j == 0 || band.first == bands.band[j - 1].end;
+        bands.adjoin = bands.adjoin && follows && band.first < band.end;
+        bands.band[j] = band;
+    }
+    return bands;
 }
 
 void halve(float* io) {
@@ -96,19 +83,13 @@ void halve(float* io) {
     }
 }
 
-void rotate_history() {
-    std::rotate(state.history, state.history + kHistoryHops - 1, state.history + kHistoryHops);
+DenMagnitudes& magnitudes(int hopsAgo) {
+    return state.history[(state.newest + hopsAgo) % kHistoryHops];
 }
 
-// io keeps the unwindowed frames.
-void analyse(const float* io, Spectra& s) {
-    float windowed[2][kFrameSamples];
-    for (int n = 0; n < kFrameSamples; ++n) {
-        windowed[0][n] = io[n] * kSineWindow[n];
-        windowed[1][n] = io[kFrameSamples + n] * kSineWindow[n];
-    }
-    split_stereo_spectrum(windowed[0], windowed[1], s.left, s.right);
-    std::fill(s.centre, s.centre + kBins, creal32_T{});
+// The oldest hop's slot becomes this hop's.
+void turn_history() {
+    state.newest = (state.newest + kHistoryHops - 1) % kHistoryHops;
 }
 
 // p runs from -1 (left) to +1 (right); the gains meet at 0.706 in the middle.
@@ -124,29 +105,16 @@ float pan_index(creal32_T l, creal32_T r) {
     const float leftPower = squared_magnitude(l), rightPower = squared_magnitude(r);
     const creal32_T cross{l.re * r.re + l.im * r.im, l.im * r.re - l.re * r.im};
     const float likeness =
-        rdivide(2.0f * std::sqrt(squared_magnitude(cross)), leftPower + rightPower + kQuotientGuard);
+        rdivide(2.0f * std::sqrt(squared_magnitude(cross)), leftPower + rightPower + kDenQuotientGuard);
     const float difference = rightPower - leftPower;
     const float side = difference > 0.0f ? 1.0f : difference < 0.0f ? -1.0f : 0.0f;
     return (1.0f - likeness) * side;
 }
 
-float moved_pan_index(const Cubic& curve, float p) {
+float moved_pan_index(const DenCubic& curve, float p) {
     const float u = p > 0.0f ? p : -p;
     const float moved = ((curve.c0 * u + curve.c1) * u + curve.c2) * u + curve.c3;
     return p > 0.0f ? clamp_to_unit(moved) : -clamp_to_unit(moved);
-}
-
-void widen(float wideAmount, const float* wideCurve, Spectra& s) {
-    const float column = std::floor((wideAmount * 0.25f) * 100.0f);
-    const float* c = wideCurve + index_within(column, kDenCurveColumns) - 1;
-    const Cubic curve{c[0], c[kDenCurveColumns], c[2 * kDenCurveColumns], c[3 * kDenCurveColumns]};
-    for (int k = kFirstWideBin; k <= kLastWideBin; ++k) {
-        const float p = pan_index(s.left[k], s.right[k]);
-        const Gains before = pan_law_gains(p);
-        const Gains after = pan_law_gains(moved_pan_index(curve, p));
-        s.left[k] = s.left[k] * rdivide(after.left, before.left + kQuotientGuard);
-        s.right[k] = s.right[k] * rdivide(after.right, before.right + kQuotientGuard);
-    }
 }
 
 // The weaker the side against the mid, the more of the mid is centre.
@@ -154,21 +122,42 @@ float centre_gain(float side, float mid) {
     if (side > mid) {
         return 0.0f;
     }
-    return (1.0f - std::sqrt(side / (mid + kPowerGuard))) * 0.5f;
+    return (1.0f - std::sqrt(side / (mid + kDenPowerGuard))) * 0.5f;
 }
 
-void extract_centre(const float* bandStart, const float* bandEnd, float smoothFactor, bool subtract,
-                    Spectra& s) {
+}  // namespace
+
+namespace scalar {
+
+void den_window_pair(const float* io, float* windowed) {
+    for (int n = 0; n < kFrameSamples; ++n) {
+        windowed[n] = io[n] * kSineWindow[n];
+        windowed[kFrameSamples + n] = io[kFrameSamples + n] * kSineWindow[n];
+    }
+}
+
+void den_widen(const DenCubic& curve, DenSpectra& s) {
+    for (int k = kDenFirstWideBin; k <= kDenLastWideBin; ++k) {
+        const float p = pan_index(s.left[k], s.right[k]);
+        const Gains before = pan_law_gains(p);
+        const Gains after = pan_law_gains(moved_pan_index(curve, p));
+        s.left[k] = s.left[k] * rdivide(after.left, before.left + kDenQuotientGuard);
+        s.right[k] = s.right[k] * rdivide(after.right, before.right + kDenQuotientGuard);
+    }
+}
+
+void den_extract_centre(const DenBands& bands, float smoothFactor, bool subtract, DenPowers& powers,
+                        DenSpectra& s) {
     const float newWeight = 1.0f - smoothFactor;
-    for (int j = 0; j < kCentreBands; ++j) {
-        const Band band = band_of(bandStart, bandEnd, j);
+    for (int j = 0; j < kDenCentreBands; ++j) {
+        const DenBand band = bands.band[j];
         creal32_T side{}, mid{};
         for (int k = band.first; k < band.end; ++k) {
             side = side + (s.left[k] - s.right[k]);
             mid = mid + (s.left[k] + s.right[k]);
         }
-        float& sidePower = state.sidePowerSm[j];
-        float& midPower = state.midPowerSm[j];
+        float& sidePower = powers.side[j];
+        float& midPower = powers.mid[j];
         sidePower = newWeight * squared_magnitude(side) + smoothFactor * sidePower;
         midPower = newWeight * squared_magnitude(mid) + smoothFactor * midPower;
         const float gain = centre_gain(sidePower, midPower);
@@ -183,9 +172,10 @@ void extract_centre(const float* bandStart, const float* bandEnd, float smoothFa
 }
 
 // Records the hop's magnitudes and returns each band's share of the centre.
-void measure_bands(const float* bandStart, const float* bandEnd, const Spectra& s, float* share) {
-    for (int j = 0; j < kSpeechBands; ++j) {
-        const Band band = band_of(bandStart, bandEnd, j);
+void den_measure_bands(const DenBands& bands, const DenSpectra& s, DenEnergies& energies,
+                       DenMagnitudes& newest, float* share) {
+    for (int j = 0; j < kDenSpeechBands; ++j) {
+        const DenBand band = bands.band[j];
         float centreMagnitude = 0.0f, sideMagnitude = 0.0f, centreEnergy = 0.0f, sideEnergy = 0.0f;
         for (int k = band.first; k < band.end; ++k) {
             const float centrePower = squared_magnitude(s.centre[k]);
@@ -195,23 +185,109 @@ void measure_bands(const float* bandStart, const float* bandEnd, const Spectra& 
             centreEnergy += centrePower;
             sideEnergy += sidePower;
         }
-        state.history[0].centre[j] = centreMagnitude;
-        state.history[0].side[j] = sideMagnitude;
-        float& centre = state.centerEnergySm[j];
-        float& side = state.sideEnergySm[j];
-        centre = kNewEnergy * centreEnergy + kOldEnergy * centre;
-        side = kNewEnergy * sideEnergy + kOldEnergy * side;
-        share[j] = std::sqrt(centre / ((centre + kPowerGuard) + side));
+        newest.centre[j] = centreMagnitude;
+        newest.side[j] = sideMagnitude;
+        float& centre = energies.centre[j];
+        float& side = energies.side[j];
+        centre = kDenNewEnergy * centreEnergy + kDenOldEnergy * centre;
+        side = kDenNewEnergy * sideEnergy + kDenOldEnergy * side;
+        share[j] = std::sqrt(centre / ((centre + kDenPowerGuard) + side));
+    }
+}
+
+void den_scale_bands(const DenBands& bands, const float* gain, DenSpectra& s) {
+    for (int j = 0; j < kDenSpeechBands; ++j) {
+        const DenBand band = bands.band[j];
+        for (int k = band.first; k < band.end; ++k) {
+            s.centre[k] = s.centre[k] * gain[j];
+            s.left[k] = s.left[k] * gain[j];
+            s.right[k] = s.right[k] * gain[j];
+        }
+    }
+}
+
+void den_window_centre(const creal32_T* frame, float* io) {
+    for (int n = 0; n < kFrameSamples; ++n) {
+        io[2 * kFrameSamples + n] = frame[n].re * kSineWindow[n];
+    }
+}
+
+void den_window_sides(const creal32_T* frame, float* io) {
+    for (int n = 0; n < kFrameSamples; ++n) {
+        io[n] = frame[n].re * kSineWindow[n];
+        io[kFrameSamples + n] = frame[n].im * kSineWindow[n];
+    }
+}
+
+}  // namespace scalar
+
+ZOQ_KERNEL(den_window_pair, const float* io, float* windowed);
+ZOQ_KERNEL(den_widen, const DenCubic& curve, DenSpectra& s);
+ZOQ_KERNEL(den_extract_centre, const DenBands& bands, float smoothFactor, bool subtract, DenPowers& powers,
+           DenSpectra& s);
+ZOQ_KERNEL(den_measure_bands, const DenBands& bands, const DenSpectra& s, DenEnergies& energies,
+           DenMagnitudes& newest, float* share);
+ZOQ_KERNEL(den_scale_bands, const DenBands& bands, const float* gain, DenSpectra& s);
+ZOQ_KERNEL(den_window_centre, const creal32_T* frame, float* io);
+ZOQ_KERNEL(den_window_sides, const creal32_T* frame, float* io);
+
+namespace {
+
+// io keeps the unwindowed frames.
+void analyse(const float* io, DenSpectra& s) {
+    float windowed[2 * kFrameSamples];
+    den_window_pair_kernel.run({{windowed, sizeof windowed}}, io, windowed);
+    split_stereo_spectrum(windowed, windowed + kFrameSamples, s.left, s.right);
+    std::memset(s.left + kBins, 0, sizeof s.left - kBins * sizeof(creal32_T));
+    std::memset(s.right + kBins, 0, sizeof s.right - kBins * sizeof(creal32_T));
+    std::memset(s.centre, 0, sizeof s.centre);
+}
+
+void widen(float wideAmount, const float* wideCurve, DenSpectra& s) {
+    const float column = std::floor((wideAmount * 0.25f) * 100.0f);
+    const float* c = wideCurve + index_within(column, kDenCurveColumns) - 1;
+    const DenCubic curve{c[0], c[kDenCurveColumns], c[2 * kDenCurveColumns], c[3 * kDenCurveColumns]};
+    den_widen_kernel.run({{&s, sizeof s}}, curve, s);
+}
+
+// Bands that overlap or leave bins out go the scalar way.
+void extract_centre(const DenBands& bands, float smoothFactor, bool subtract, DenSpectra& s) {
+    if (bands.adjoin) {
+        den_extract_centre_kernel.run({{&state.powerSm, sizeof state.powerSm}, {&s, sizeof s}}, bands,
+                                      smoothFactor, subtract, state.powerSm, s);
+    } else {
+        scalar::den_extract_centre(bands, smoothFactor, subtract, state.powerSm, s);
+    }
+}
+
+void measure_bands(const DenBands& bands, const DenSpectra& s, float* share) {
+    DenMagnitudes& newest = magnitudes(0);
+    if (bands.adjoin) {
+        den_measure_bands_kernel.run({{&state.energySm, sizeof state.energySm},
+                                      {&newest, sizeof newest},
+                                      {share, kDenSpeechBands * sizeof(float)}},
+                                     bands, s, state.energySm, newest, share);
+    } else {
+        scalar::den_measure_bands(bands, s, state.energySm, newest, share);
+    }
+}
+
+void scale_bands(const DenBands& bands, const float* gain, DenSpectra& s) {
+    if (bands.adjoin) {
+        den_scale_bands_kernel.run({{&s, sizeof s}}, bands, gain, s);
+    } else {
+        scalar::den_scale_bands(bands, gain, s);
     }
 }
 
 // -2 .. 2: whether the centre or the side fluctuates more between the two newer and the two older hops.
 float fluctuation() {
-    const Magnitudes* h = state.history;
+    const DenMagnitudes &newest = magnitudes(0), &newer = magnitudes(1);
+    const DenMagnitudes &older = magnitudes(2), &oldest = magnitudes(3);
     float centre = 0.0f, side = 0.0f;
     for (int j = kFirstFluctuationBand; j <= kLastFluctuationBand; ++j) {
-        const float centreStep = (h[0].centre[j] + h[1].centre[j]) - (h[2].centre[j] + h[3].centre[j]);
-        const float sideStep = (h[0].side[j] + h[1].side[j]) - (h[2].side[j] + h[3].side[j]);
+        const float centreStep = (newest.centre[j] + newer.centre[j]) - (older.centre[j] + oldest.centre[j]);
+        const float sideStep = (newest.side[j] + newer.side[j]) - (older.side[j] + oldest.side[j]);
         centre += centreStep * centreStep;
         side += sideStep * sideStep;
     }
@@ -227,37 +303,26 @@ float speech_activity() {
     return clamp_to_unit(smoothed);
 }
 
-void boost_speech(const float* bandStart, const float* bandEnd, float centerSpeechGain, float baseGain,
-                  Spectra& s) {
-    float share[kSpeechBands];
-    measure_bands(bandStart, bandEnd, s, share);
+void boost_speech(const DenBands& bands, float centerSpeechGain, float baseGain, DenSpectra& s) {
+    float share[kDenBandRow], gain[kDenBandRow];
+    measure_bands(bands, s, share);
     const float activity = speech_activity();
-    for (int j = 0; j < kSpeechBands; ++j) {
-        const float gain = baseGain + activity * (centerSpeechGain - 1.0f) * share[j];
-        const Band band = band_of(bandStart, bandEnd, j);
-        for (int k = band.first; k < band.end; ++k) {
-            s.centre[k] = s.centre[k] * gain;
-            s.left[k] = s.left[k] * gain;
-            s.right[k] = s.right[k] * gain;
-        }
+    for (int j = 0; j < kDenSpeechBands; ++j) {
+        gain[j] = baseGain + activity * (centerSpeechGain - 1.0f) * share[j];
     }
+    scale_bands(bands, gain, s);
 }
 
-void synthesise_centre(const Spectra& s, float* io) {
+void synthesise_centre(const DenSpectra& s, float* io) {
     creal32_T frame[kFrameSamples];
     merge_mono_spectrum(s.centre, frame);
-    for (int n = 0; n < kFrameSamples; ++n) {
-        io[2 * kFrameSamples + n] = frame[n].re * kSineWindow[n];
-    }
+    den_window_centre_kernel.run({{io + 2 * kFrameSamples, kFrameSamples * sizeof(float)}}, frame, io);
 }
 
-void synthesise_sides(const Spectra& s, float* io) {
+void synthesise_sides(const DenSpectra& s, float* io) {
     creal32_T frame[kFrameSamples];
     merge_stereo_spectrum(s.left, s.right, frame);
-    for (int n = 0; n < kFrameSamples; ++n) {
-        io[n] = frame[n].re * kSineWindow[n];
-        io[kFrameSamples + n] = frame[n].im * kSineWindow[n];
-    }
+    den_window_sides_kernel.run({{io, 2 * kFrameSamples * sizeof(float)}}, frame, io);
 }
 
 // Untouched sides need no transform: half of the input, overlap-added, is the input.
@@ -278,11 +343,19 @@ void fold_centre(float* io) {
     }
 }
 
+void reset_if_poisoned() {
+    if (is_poisoned(state.bdiffSm, kPoisonedActivity) || is_poisoned(state.powerSm, kPoisonedPower) ||
+        is_poisoned(state.energySm, kPoisonedPower) || is_poisoned(state.history, kPoisonedPower)) {
+        bdiff_sm_not_empty_init();
+        ++poisonResets;
+    }
+}
+
 }  // namespace
 
 void factory_contents(parameterDEN* record) {
     record->smoothFactor = 0.8f;
-    record->centerSpeechGain = 2.0f;
+    store_shared(record->centerSpeechGain, 2.0f);
     record->baseGain = 1.0f;
     record->wideAmount = 3.0f;
     record->stereoOutput = 0.0f;
@@ -307,17 +380,18 @@ void DialogueEnhancementWide(float* io, float smoothFactor, float centerSpeechGa
         halve(io);
         return;
     }
-    Spectra s;
-    rotate_history();
+    DenSpectra s;
+    const DenBands bands = bands_of(bandStart, bandEnd);
+    turn_history();
     analyse(io, s);
     if (wideAmount > 0.0f) {
         widen(wideAmount, wideCurve, s);
     }
     if (!(unityGains && stereoOutput == 1.0f)) {
-        extract_centre(bandStart, bandEnd, smoothFactor, !sidesUntouched, s);
+        extract_centre(bands, smoothFactor, !sidesUntouched, s);
     }
     if (centerSpeechGain > 1.0f) {
-        boost_speech(bandStart, bandEnd, centerSpeechGain, baseGain, s);
+        boost_speech(bands, centerSpeechGain, baseGain, s);
     }
     synthesise_centre(s, io);
     if (sidesUntouched) {
@@ -328,6 +402,7 @@ void DialogueEnhancementWide(float* io, float smoothFactor, float centerSpeechGa
     if (stereoOutput != 0.0f) {
         fold_centre(io);
     }
+    reset_if_poisoned();
 }
 
 void bdiff_sm_not_empty_init() {

@@ -43,6 +43,7 @@ void factory_contents(parameterDEN* record);
 //        bandStart     43           bin + 1  in       kept within 1..513
 // With gains 1, no widening and stereoOutput 1 all three blocks are halved and nothing else happens.
 // wideAmount x 25 selects the curve, kept within columns 1..100; a negative amount widens nothing.
+// Memories that a hostile setting has poisoned are reset at the end of the hop (dsp/poison.h).
 // A curve must leave pans of 0.975 and more there: the farther channel's gain is 0 for them, and a gain above
 // 0 for the new pan is divided by 1e-15.
 void DialogueEnhancementWide(float* io, float smoothFactor, float centerSpeechGain, float baseGain,

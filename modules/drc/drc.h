@@ -46,6 +46,7 @@ void initialize_dynamicRangeCompression_C(float gainDb, parameterDRC* block);
 //        secondStage  6               -        in       limThreshold .. limRelease
 //        expander     2               -        in       expThreshold, expSlope
 // Every sample leaves within +-0.999. compMakeup must be above 0: its logarithm is taken.
+// Memories that a hostile setting has poisoned are reset at the end of the hop (dsp/poison.h).
 void dynamicRangeCompression_LC(float* io, float channels, const float* firstStage, const float* secondStage,
                                 const float* expander);
 

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+#include "dsp/grid.h"
+#include "dsp/poison.h"
+#include "dsp/shared_value.h"
+
 namespace android {
 
 namespace {
@@ -23,57 +27,62 @@ constexpr parameterEQ kFactory = {
     .finalPassCount = 0.0f,
 };
 
-constexpr int kMaxChannels = 2;
-
-struct ChannelState {
-    Delays peak[kMaxSections];    // reset: 0
-    Delays treble[kMaxSections];  // reset: 0
-    Delays finalPass;             // reset: 0
+struct State {
+    StereoDelays peak[kMaxSections];    // reset: 0
+    StereoDelays treble[kMaxSections];  // reset: 0
+    StereoDelays finalPass;             // reset: 0
 };
 
-ChannelState state[kMaxChannels];
+State state;
 
-void boost_treble(float sectionCount, const float* sos, float gain, float* io, Delays* delays) {
-    float treble[kHopSamples];
-    std::copy_n(io, kHopSamples, treble);
-    filter_matrix(sos, sectionCount, treble, delays);
-    for (int i = 0; i < kHopSamples; ++i) {
-        io[i] = io[i] + gain * treble[i];
+void filter_by(const float* sos, float sectionCount, StereoDelays* delays, int channels, float* io) {
+    Cascade cascade(channels);
+    cascade.append_matrix(sos, sectionCount, delays);
+    cascade.run(io);
+}
+
+void boost_treble(float sectionCount, const float* sos, float gain, int channels, float* io) {
+    float treble[2 * kHopSamples];
+    std::copy_n(io, channels * kHopSamples, treble);
+    filter_by(sos, sectionCount, state.treble, channels, treble);
+    add_scaled(treble, gain, channels * kHopSamples, io);
+}
+
+void filter_repeatedly(int passes, const float* sos, int channels, float* io) {
+    Cascade section(channels);
+    section.append({{sos[0], sos[1], sos[2]}, {sos[3], sos[4], sos[5]}}, state.finalPass);
+    for (int pass = 0; pass < passes; ++pass) {
+        section.run(io);
     }
 }
 
-// The filter normalises its coefficients in place, so it gets copies.
-void filter_repeatedly(int passes, const float* sos, float* io, Delays& delays) {
-    for (int pass = 0; pass < passes; ++pass) {
-        float b[3] = {sos[0], sos[1], sos[2]};
-        float a[3] = {sos[3], sos[4], sos[5]};
-        b_filter(b, a, io, delays.z, io, delays.z);
+void reset_if_poisoned() {
+    if (is_poisoned(state, kPoisonedSample)) {
+        equalization_peak_init();
+        ++poisonResets;
     }
 }
 
 }  // namespace
 
 void factory_contents(parameterEQ* record) {
-    *record = kFactory;
+    store_shared_floats(*record, kFactory);
 }
 
 void equalization_peak(float* io, float channels, float peakSectionCount, const float* peakSos,
                        float trebleSectionCount, const float* trebleSos, float trebleGain,
                        const float* finalSos, float finalPassCount) {
-    const int passes = count_within(finalPassCount, kEqMaxFinalPasses);
     const int count = channels == 2.0f ? 2 : 1;
-    for (int c = 0; c < count; ++c) {
-        float* hop = io + c * kHopSamples;
-        filter_matrix(peakSos, peakSectionCount, hop, state[c].peak);
-        if (trebleGain > 0.0f) {
-            boost_treble(trebleSectionCount, trebleSos, trebleGain, hop, state[c].treble);
-        }
-        filter_repeatedly(passes, finalSos, hop, state[c].finalPass);
+    filter_by(peakSos, peakSectionCount, state.peak, count, io);
+    if (trebleGain > 0.0f) {
+        boost_treble(trebleSectionCount, trebleSos, trebleGain, count, io);
     }
+    filter_repeatedly(count_within(finalPassCount, kEqMaxFinalPasses), finalSos, count, io);
+    reset_if_poisoned();
 }
 
 void equalization_peak_init() {
-    std::fill_n(state, kMaxChannels, ChannelState{});
+    state = {};
 }
 
 }  // namespace android

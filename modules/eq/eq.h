@@ -39,6 +39,7 @@ void factory_contents(parameterEQ* record);
 //        finalSos            6            in
 //        finalPassCount      0..1024      in       every pass uses the same memories
 // Counts are truncated toward zero and kept within the ranges given.
+// Memories that a hostile setting has poisoned are reset at the end of the hop (dsp/poison.h).
 void equalization_peak(float* io, float channels, float peakSectionCount, const float* peakSos,
                        float trebleSectionCount, const float* trebleSos, float trebleGain,
                        const float* finalSos, float finalPassCount);

@@ -1,7 +1,10 @@
 #include "modules/geq/geq.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
+#include "dsp/poison.h"
 #include "dsp/section.h"
 
 namespace android {
@@ -20,31 +23,38 @@ constexpr parameterGEQ kFactory = {
 // A gain no setting is likely to hold, so that the first call after a reset designs every band.
 constexpr float kNoGainDb = -100.0f;
 
-struct Section {
-    float b[3], a[3];
-};
+// Differs from every gain, itself included.
+constexpr float kNeverEqual = std::numeric_limits<float>::quiet_NaN();
 
 struct State {
-    float lastGainDb[kGeqMaxBands];  // reset: -100
-    Section bands[kGeqMaxBands];     // survives a reset
-    Delays left[kGeqMaxBands];       // reset: 0
-    Delays right[kGeqMaxBands];      // reset: 0
+    float lastGainDb[kGeqMaxBands];           // reset: -100
+    SectionCoefficients bands[kGeqMaxBands];  // survives a reset
+    StereoDelays delays[kGeqMaxBands];        // reset: 0
 };
 
 State state;
+
+// A design from such values is no filter and is not to outlive them, as others outlive a new warp or Q.
+bool is_no_filter(float Q, float warp) {
+    return !(Q > 0.0f) || !(warp > 0.0f) || std::isinf(Q) || std::isinf(warp);
+}
 
 void redesign_changed_bands(int bands, const float* gainDb, float Q, const float* warp) {
     for (int k = 0; k < bands; ++k) {
         if (state.lastGainDb[k] != gainDb[k]) {
             il_iirpeaking2(warp[k], gainDb[k], Q, state.bands[k].b, state.bands[k].a);
         }
-        state.lastGainDb[k] = gainDb[k];
+        state.lastGainDb[k] = is_no_filter(Q, warp[k]) ? kNeverEqual : gainDb[k];
     }
 }
 
-// The filter normalises its coefficients in place, so it gets copies.
-void filter_band(Section section, float* io, Delays& delays) {
-    filter(section.b, section.a, io, delays.z, io, delays.z);
+// A band that keeps its gain is designed anew as well.
+void reset_if_poisoned() {
+    if (is_poisoned(state.delays, kPoisonedSample)) {
+        graphicalEQ_init();
+        ++poisonResets;
+        std::fill_n(state.lastGainDb, kGeqMaxBands, kNeverEqual);
+    }
 }
 
 }  // namespace
@@ -84,22 +94,20 @@ void graphicalEQ(float* io, float channels, float bandCount, const float* bandGa
                  const float* bandWarp) {
     const int bands = count_within(bandCount, kGeqMaxBands);
     redesign_changed_bands(bands, bandGainDb, bandQ, bandWarp);
+    Cascade cascade(channels == 2.0f ? 2 : 1);
     for (int k = 0; k < bands; ++k) {
-        if (bandGainDb[k] == 0.0f) {
-            continue;
-        }
-        filter_band(state.bands[k], io, state.left[k]);
-        if (channels == 2.0f) {
-            filter_band(state.bands[k], io + kHopSamples, state.right[k]);
+        if (bandGainDb[k] != 0.0f) {
+            cascade.append(state.bands[k], state.delays[k]);
         }
     }
+    cascade.run(io);
+    reset_if_poisoned();
 }
 
 void graphicalEQ_init() {
     for (int k = 0; k < kGeqMaxBands; ++k) {
         state.lastGainDb[k] = kNoGainDb;
-        state.left[k] = {};
-        state.right[k] = {};
+        state.delays[k] = {};
     }
 }
 

@@ -34,7 +34,8 @@ void factory_contents(parameterGEQ* record);
 //        bandQ       above 0         -        in       used when a band is redesigned
 //        bandWarp    bandCount       -        in       used when a band is redesigned
 // A band is redesigned when its gain differs from the gain of the call before; a new Q or warp alone changes
-// nothing. Coefficients change without a crossfade.
+// nothing, unless the old ones made no filter, being not above 0. Coefficients change without a crossfade.
+// Memories that a hostile setting has poisoned are reset at the end of the hop (dsp/poison.h).
 void graphicalEQ(float* io, float channels, float bandCount, const float* bandGainDb, float bandQ,
                  const float* bandWarp);
 

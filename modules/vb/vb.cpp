@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "dsp/grid.h"
+#include "dsp/poison.h"
 #include "dsp/shared_value.h"
+#include "modules/vb/vb_steps.h"
 #include "modules/vb/vb_tables.h"
 
 namespace android {
@@ -36,17 +38,15 @@ constexpr parameterVB kFactory = {
 };
 
 constexpr int kMaxChannels = 2;
-constexpr int kDefaultSet = 4;       // 120 Hz
-constexpr float kLogFloor = 1e-10f;  // keeps the logarithm of silence finite: -200 dB
+constexpr int kDefaultSet = 4;  // 120 Hz
 
 struct State {
-    Delays lowpass[kMaxSections];                       // reset: 0
-    Delays bandHighpass[kMaxSections];                  // reset: 0
-    Delays harmonicLowpass[kMaxSections];               // reset: 0
-    Delays inputHighpass[kMaxChannels][kMaxSections];   // reset: 0
-    Delays outputHighpass[kMaxChannels][kMaxSections];  // reset: 0
-    float fast, slow;                                   // envelopes; reset: 0
-    float gain;                                         // smoothed; reset: 1
+    StereoDelays lowpass[kMaxSections];          // reset: 0
+    StereoDelays bandHighpass[kMaxSections];     // reset: 0
+    StereoDelays harmonicLowpass[kMaxSections];  // reset: 0
+    StereoDelays inputHighpass[kMaxSections];    // reset: 0
+    StereoDelays outputHighpass[kMaxSections];   // reset: 0
+    VbMemory curves;                             // reset: envelopes 0, gain 1
 };
 
 constexpr State kReset = {
@@ -55,9 +55,7 @@ constexpr State kReset = {
     .harmonicLowpass = {},
     .inputHighpass = {},
     .outputHighpass = {},
-    .fast = 0.0f,
-    .slow = 0.0f,
-    .gain = 1.0f,
+    .curves = {.fast = 0.0f, .slow = 0.0f, .gain = 1.0f},
 };
 
 State state = kReset;
@@ -77,71 +75,44 @@ void mix_to_mono(const float* io, float channels, float* mono) {
         return;
     }
     sum(io, mono);
-    for (int i = 0; i < kHopSamples; ++i) {
-        mono[i] = mono[i] * 0.5f;
-    }
+    scale(0.5f, kHopSamples, mono);
 }
 
-void generate_harmonics(const float* bass, float c, float* harmonics) {
-    for (int k = 0; k < kGridPoints; ++k) {
-        const float x = bass[kGridStep * k];
-        harmonics[k] = x + (c * x) * x;
-    }
-}
-
-// Each point's coefficient depends on the follower's value before that point.
-void follow(const float* envelope, float attack, float release, float& last, float* followed) {
-    float value = last;
-    for (int k = 0; k < kGridPoints; ++k) {
-        const float c = envelope[k] > value ? attack : release;
-        value = (1.0f - c) * envelope[k] + c * value;
-        followed[k] = value + kLogFloor;
-    }
-    last = value;
-    b_log10(followed);
-}
-
-// Where the fast envelope leaves the slow one behind, less compOffsetDb, the gain falls.
-void compute_gain(const parameterVB& p, const float* fast, const float* slow, float* gain) {
-    float exponent[kGridPoints];
-    for (int k = 0; k < kGridPoints; ++k) {
-        const float excessDb = 20.0f * fast[k] - (20.0f * slow[k] - p.compOffsetDb);
-        const float gate = excessDb > 0.0f ? 1.0f : 0.0f;
-        exponent[k] = -(gate * (p.compSlope * excessDb)) * 0.05f;
-    }
-    power(10.0f, exponent, gain);
-}
-
-void smooth_and_boost(const parameterVB& p, const float* gain, float& last, float* harmonics) {
-    const float boostLin = load_shared(p.boostLin);
-    float smoothed = last;
-    for (int k = 0; k < kGridPoints; ++k) {
-        smoothed = (1.0f - p.gainSmoothing) * gain[k] + p.gainSmoothing * smoothed;
-        harmonics[k] = boostLin * ((smoothed * p.outputGain) * harmonics[k]);
-    }
-    last = smoothed;
+void filter_by(const float* sos, float sectionCount, StereoDelays* delays, int channels, float* io) {
+    Cascade cascade(channels);
+    cascade.append_matrix(sos, sectionCount, delays);
+    cascade.run(io);
 }
 
 // From the mono hop's bass band to what is added to every channel, in place.
 void process_bass(const parameterVB& p, float* bass) {
-    filter_matrix(p.lowpassSos, p.lowpassSections, bass, state.lowpass);
-    filter_matrix(p.bandHighpassSos, p.bandHighpassSections, bass, state.bandHighpass);
-    float harmonics[kGridPoints], envelope[kGridPoints], fast[kGridPoints], slow[kGridPoints],
-        gain[kGridPoints];
-    generate_harmonics(bass, p.harmonicGain, harmonics);
-    b_abs(harmonics, envelope);
-    follow(envelope, p.fastAttack, p.fastRelease, state.fast, fast);
-    follow(envelope, p.slowAttack, p.slowRelease, state.slow, slow);
-    compute_gain(p, fast, slow, gain);
-    smooth_and_boost(p, gain, state.gain, harmonics);
+    Cascade band(1);
+    band.append_matrix(p.lowpassSos, p.lowpassSections, state.lowpass);
+    band.append_matrix(p.bandHighpassSos, p.bandHighpassSections, state.bandHighpass);
+    band.run(bass);
+    float harmonics[kBassCurveFloats] = {}, magnitude[kBassCurveFloats] = {}, fast[kBassCurveFloats] = {},
+          slow[kBassCurveFloats] = {}, exponent[kBassCurveFloats], gain[kGridPoints];
+    vb_harmonics(bass, p.harmonicGain, harmonics, magnitude);
+    vb_follow(magnitude, p, &state.curves, fast, slow);
+    b_log10(fast);
+    b_log10(slow);
+    vb_exponents(fast, slow, p, exponent);
+    power(10.0f, exponent, gain);
+    vb_boost(gain, p, load_shared(p.boostLin), &state.curves, harmonics);
     interp1_fac3(harmonics, bass);
-    filter_matrix(p.harmonicLowpassSos, p.harmonicLowpassSections, bass, state.harmonicLowpass);
+    filter_by(p.harmonicLowpassSos, p.harmonicLowpassSections, state.harmonicLowpass, 1, bass);
 }
 
-void add_bass(const parameterVB& p, const float* bass, float* io, Delays* inputDelays) {
-    filter_matrix(p.inputHighpassSos, p.inputHighpassSections, io, inputDelays);
-    for (int i = 0; i < kHopSamples; ++i) {
-        io[i] = io[i] + bass[i];
+void add_bass(const float* bass, int channels, float* io) {
+    for (int c = 0; c < channels; ++c) {
+        add_scaled(bass, 1.0f, kHopSamples, io + c * kHopSamples);
+    }
+}
+
+void reset_if_poisoned() {
+    if (is_poisoned(state, kPoisonedSample)) {
+        virtualbassFunction_monoLC_init();
+        ++poisonResets;
     }
 }
 
@@ -149,12 +120,13 @@ void add_bass(const parameterVB& p, const float* bass, float* io, Delays* inputD
 
 void factory_contents(float cutoffHz, parameterVB* record) {
     const VbSections& set = sections_for(count_within(cutoffHz, kSampleRateHz));
-    *record = kFactory;
-    std::copy_n(set.lowpassSos, kSectionMatrixFloats, record->lowpassSos);
-    std::copy_n(set.inputHighpassSos, kSectionMatrixFloats, record->inputHighpassSos);
-    std::copy_n(set.bandHighpassSos, kSectionMatrixFloats, record->bandHighpassSos);
-    std::copy_n(kVbHarmonicLowpassSos, kSectionMatrixFloats, record->harmonicLowpassSos);
-    std::copy_n(set.outputHighpassSos, kSectionMatrixFloats, record->outputHighpassSos);
+    parameterVB contents = kFactory;
+    std::copy_n(set.lowpassSos, kSectionMatrixFloats, contents.lowpassSos);
+    std::copy_n(set.inputHighpassSos, kSectionMatrixFloats, contents.inputHighpassSos);
+    std::copy_n(set.bandHighpassSos, kSectionMatrixFloats, contents.bandHighpassSos);
+    std::copy_n(kVbHarmonicLowpassSos, kSectionMatrixFloats, contents.harmonicLowpassSos);
+    std::copy_n(set.outputHighpassSos, kSectionMatrixFloats, contents.outputHighpassSos);
+    store_shared_floats(*record, contents);
 }
 
 void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters) {
@@ -163,14 +135,13 @@ void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* pa
     mix_to_mono(io, channels, bass);
     process_bass(p, bass);
     const int count = count_within(channels, kMaxChannels);
-    for (int c = 0; c < count; ++c) {
-        add_bass(p, bass, io + c * kHopSamples, state.inputHighpass[c]);
+    if (count > 0) {
+        filter_by(p.inputHighpassSos, p.inputHighpassSections, state.inputHighpass, count, io);
+        add_bass(bass, count, io);
     }
-    filter_matrix(p.outputHighpassSos, p.outputHighpassSections, io, state.outputHighpass[0]);
-    if (channels == 2.0f) {
-        filter_matrix(p.outputHighpassSos, p.outputHighpassSections, io + kHopSamples,
-                      state.outputHighpass[1]);
-    }
+    filter_by(p.outputHighpassSos, p.outputHighpassSections, state.outputHighpass, channels == 2.0f ? 2 : 1,
+              io);
+    reset_if_poisoned();
 }
 
 void virtualbassFunction_monoLC_init() {

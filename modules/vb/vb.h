@@ -46,6 +46,7 @@ void factory_contents(float cutoffHz, parameterVB* record);
 //        io          2 x 512         in/out   channel 1 is touched only when channels is 2 or more
 //        channels    1.0 or 2.0      in
 //        parameters  record          in
+// Memories that a hostile setting has poisoned are reset at the end of the hop (dsp/poison.h).
 void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters);
 
 // Filter memories and envelopes go to zero, the smoothed gain to 1.

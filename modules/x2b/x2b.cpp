@@ -1,19 +1,18 @@
 #include "modules/x2b/x2b.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "dsp/complex.h"
 #include "dsp/fft.h"
+#include "dsp/kernel_level.h"
 #include "dsp/shared_value.h"
+#include "modules/x2b/x2b_kernels.h"
 #include "modules/x2b/x2b_tables.h"
 
 namespace android {
 
 namespace {
-
-constexpr int kMaxChannels = 3;
-constexpr int kEars = 2;
-constexpr int kCentreChannel = 2;  // counted from 0; channels 0 and 1 lie on the sides of ears 0 and 1
 
 // Rows of the response tables.
 constexpr int kFrontResponse = 0, kNarrowResponse = 1, kWideResponse = 2;
@@ -45,33 +44,34 @@ constexpr parameterDRC kHeadphoneDrc = {
     .expSlope = 0.5f,
 };
 
-// binauralAccumulator: slot 0 is put out in the current hop, slot q in q hops.
+// Rows of an accumulator, each on whole cache lines.
+constexpr int kRowBins = (kBins + 7) / 8 * 8;
+
+// binauralAccumulator: a row per ear and hop to come.
 struct State {
-    creal32_T accumulator[kEars][kX2bPartitions][kBins];  // reset: 0
+    alignas(64) creal32_T accumulator[kX2bEars][kX2bPartitions][kRowBins];  // reset: 0
 };
 
 State state;
 
-// Half spectra of the channels; the transform of one real frame fills all its bins.
-struct Inputs {
-    creal32_T channel[kMaxChannels][kFrameSamples];
-};
+// The row of the hop that is put out now, in one hop, ...; the contents of a row stay where they are.
+int rowOf[kX2bPartitions] = {0, 1, 2, 3};  // no reset: any order of empty rows is as good
 
-// What a width means, formed once per call.
-struct Rendering {
-    bool fading;
-    float filtered, dry;             // shares while fading
-    float wide, narrow;              // shares of the lateral responses
-    float opposite[kX2bPartitions];  // gains of the other ear's paths: a wide image has more room in it
-    float centre[kX2bPartitions];    // gains of the centre: a narrow image has no tail
-    int narrowResponse, wideResponse;
-};
+X2bSlots slots() {
+    X2bSlots result;
+    for (int ear = 0; ear < kX2bEars; ++ear) {
+        for (int q = 0; q < kX2bPartitions; ++q) {
+            result.slot[ear][q] = state.accumulator[ear][rowOf[q]];
+        }
+    }
+    return result;
+}
 
 int channel_count(float channels) {
     if (!(channels >= 1.0f)) {
         return 1;
     }
-    return channels < float(kMaxChannels) ? int(channels) : kMaxChannels;
+    return channels < float(kX2bMaxChannels) ? int(channels) : kX2bMaxChannels;
 }
 
 int partition_count(float partitions) {
@@ -81,18 +81,18 @@ int partition_count(float partitions) {
     return partitions < float(kX2bPartitions) ? int(partitions) : kX2bPartitions;
 }
 
-void analyse(const float* in, int channels, Inputs& x) {
+void analyse(const float* in, int channels, X2bInputs& x) {
     if (channels == 1) {
         c_fft(in, x.channel[0]);
     } else {
         split_stereo_spectrum(in, in + kFrameSamples, x.channel[0], x.channel[1]);
     }
-    if (channels == kMaxChannels) {
-        c_fft(in + kCentreChannel * kFrameSamples, x.channel[kCentreChannel]);
+    if (channels == kX2bMaxChannels) {
+        c_fft(in + kX2bCentreChannel * kFrameSamples, x.channel[kX2bCentreChannel]);
     }
 }
 
-Rendering rendering_of(float w, int channels) {
+X2bRendering rendering_of(float w, int channels) {
     const float wide = w * kWideSlope + kLeastWide;
     const float filtered = w * kFadeSlope;
     return {
@@ -114,8 +114,8 @@ void add_scaled(float gain, const creal32_T* response, const creal32_T* x, creal
     }
 }
 
-void add_crossfaded(float gain, const Rendering& r, const creal32_T (*responses)[kBins], const creal32_T* x,
-                    creal32_T* slot) {
+void add_crossfaded(float gain, const X2bRendering& r, const creal32_T (*responses)[kBins],
+                    const creal32_T* x, creal32_T* slot) {
     const creal32_T* wide = responses[r.wideResponse];
     const creal32_T* narrow = responses[r.narrowResponse];
     for (int k = 0; k < kBins; ++k) {
@@ -131,10 +131,9 @@ void add_dry(float gain, const creal32_T* x, creal32_T* slot) {
 }
 
 // Toward the plain input: each ear has its own side and the centre, the other side is off.
-void add_fading_path(int ear, int p, int channel, const parameterX2B* parameters, const Rendering& r,
-                     const creal32_T* x) {
-    creal32_T* slot = state.accumulator[ear][p];
-    if (channel == kCentreChannel) {
+void add_fading_path(int ear, int p, int channel, const parameterX2B* parameters, const X2bRendering& r,
+                     const creal32_T* x, creal32_T* slot) {
+    if (channel == kX2bCentreChannel) {
         add_scaled(r.filtered * r.centre[p], parameters->ipsiResponse[p][kFrontResponse], x, slot);
     } else if (channel == ear) {
         add_scaled(r.filtered, parameters->ipsiResponse[p][r.narrowResponse], x, slot);
@@ -146,10 +145,9 @@ void add_fading_path(int ear, int p, int channel, const parameterX2B* parameters
     }
 }
 
-void add_full_path(int ear, int p, int channel, const parameterX2B* parameters, const Rendering& r,
-                   const creal32_T* x) {
-    creal32_T* slot = state.accumulator[ear][p];
-    if (channel == kCentreChannel) {
+void add_full_path(int ear, int p, int channel, const parameterX2B* parameters, const X2bRendering& r,
+                   const creal32_T* x, creal32_T* slot) {
+    if (channel == kX2bCentreChannel) {
         add_scaled(r.centre[p], parameters->ipsiResponse[p][kFrontResponse], x, slot);
     } else if (channel == ear) {
         add_crossfaded(1.0f, r, parameters->ipsiResponse[p], x, slot);
@@ -158,15 +156,19 @@ void add_full_path(int ear, int p, int channel, const parameterX2B* parameters, 
     }
 }
 
-void accumulate(const Inputs& x, int channels, int partitions, const parameterX2B* parameters,
-                const Rendering& r) {
-    for (int ear = 0; ear < kEars; ++ear) {
+}  // namespace
+
+namespace scalar {
+
+void x2b_accumulate(const X2bInputs& x, int channels, int partitions, const parameterX2B* parameters,
+                    const X2bRendering& r, const X2bSlots& slots) {
+    for (int ear = 0; ear < kX2bEars; ++ear) {
         for (int p = 0; p < partitions; ++p) {
             for (int c = 0; c < channels; ++c) {
                 if (r.fading) {
-                    add_fading_path(ear, p, c, parameters, r, x.channel[c]);
+                    add_fading_path(ear, p, c, parameters, r, x.channel[c], slots.slot[ear][p]);
                 } else {
-                    add_full_path(ear, p, c, parameters, r, x.channel[c]);
+                    add_full_path(ear, p, c, parameters, r, x.channel[c], slots.slot[ear][p]);
                 }
             }
         }
@@ -174,22 +176,35 @@ void accumulate(const Inputs& x, int channels, int partitions, const parameterX2
 }
 
 // The first half of the frame carries the wrap-around of the circular convolution.
-void current_hop(float* out) {
-    creal32_T frame[kFrameSamples];
-    merge_stereo_spectrum(state.accumulator[0][0], state.accumulator[1][0], frame);
+void x2b_current_hop(const creal32_T* frame, float* out) {
     for (int i = 0; i < kHopSamples; ++i) {
         out[i] = frame[kHopSamples + i].re;
         out[kHopSamples + i] = frame[kHopSamples + i].im;
     }
 }
 
+}  // namespace scalar
+
+ZOQ_KERNEL(x2b_accumulate, const X2bInputs& x, int channels, int partitions, const parameterX2B* parameters,
+           const X2bRendering& r, const X2bSlots& slots);
+ZOQ_KERNEL(x2b_current_hop, const creal32_T* frame, float* out);
+
+namespace {
+
+void current_hop(const X2bSlots& slots, float* out) {
+    creal32_T frame[kFrameSamples];
+    merge_stereo_spectrum(slots.slot[0][0], slots.slot[1][0], frame);
+    x2b_current_hop_kernel.run({{out, 2 * kHopSamples * sizeof(float)}}, frame, out);
+}
+
+// The row that was put out becomes the farthest of the partitions in use, empty.
 void advance(int partitions) {
     if (partitions == 0) {
         return;
     }
-    for (auto& slots : state.accumulator) {
-        std::copy(slots[1], slots[1] + (partitions - 1) * kBins, slots[0]);
-        std::fill(slots[partitions - 1], slots[partitions - 1] + kBins, creal32_T{});
+    std::rotate(rowOf, rowOf + 1, rowOf + partitions);
+    for (auto& rows : state.accumulator) {
+        std::memset(rows[rowOf[partitions - 1]], 0, sizeof rows[0]);
     }
 }
 
@@ -202,17 +217,18 @@ void factory_contents(parameterX2B* record) {
     std::copy(&kContraResponse[0][0][0], &kContraResponse[0][0][0] + kTableBins,
               &record->contraResponse[0][0][0]);
     record->headphoneDrc = kHeadphoneDrc;
-    record->surroundWidth = 0.0f;
+    store_shared(record->surroundWidth, 0.0f);
 }
 
 void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float* out) {
     const int channelCount = channel_count(channels);
     const int partitions = partition_count(parameters->numPartitions);
-    const Rendering rendering = rendering_of(load_shared(parameters->surroundWidth), channelCount);
-    Inputs x;
+    const X2bRendering rendering = rendering_of(load_shared(parameters->surroundWidth), channelCount);
+    X2bInputs x;
     analyse(in, channelCount, x);
-    accumulate(x, channelCount, partitions, parameters, rendering);
-    current_hop(out);
+    x2b_accumulate_kernel.run({{&state, sizeof state}}, x, channelCount, partitions, parameters, rendering,
+                              slots());
+    current_hop(slots(), out);
     advance(partitions);
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cfloat>
+
 #include "tests/support/kernel_levels.h"
 #include "tests/support/signals.h"
 
@@ -97,6 +99,59 @@ TEST(Grid, EveryLevelGivesTheSameBits) {
         sum(inPlace.data(), inPlace.data());
         return inPlace;
     });
+    for (float gain : {1.0f, -0.3f, 0.0f}) {
+        kernels::expect_same_bits([&] {
+            Floats y = signals::noise(5, 2 * kHop);
+            add_scaled(x.data(), gain, 2 * kHopSamples, y.data());
+            scale(gain, kHopSamples, y.data());
+            return y;
+        });
+    }
+}
+
+// Values whose logarithm or power lies so near the middle of two floats that the vectors' series alone round wrongly.
+constexpr float kNearMiddle[] = {0x1.67288cp-3f, 0x1.5c7284p-2f, 0x1.69bb9ep-2f, 0x1.591624p-1f,
+                                 0x1.5632bap-3f, 0x1.cf1696p-2f, 0x1.b9dd8cp+1f, 0x1.de56cp+1f};
+
+// Every exponent and sign, both sides of the powers' limits, the neighbours of 1, whole powers of ten, and what has no
+// logarithm. No subnormals: the audio thread flushes them.
+Floats wide_values() {
+    Floats x = {0.0f,     -0.0f,   INFINITY, -INFINITY, NAN,    -1.0f, -3e-39f, FLT_MIN,      FLT_MAX,
+                -FLT_MAX, -37.92f, -37.93f,  -45.2f,    38.53f, 38.5f, -200.0f, 1.0f - 6e-8f, 1.0f + 1.2e-7f};
+    x.insert(x.end(), std::begin(kNearMiddle), std::end(kNearMiddle));
+    for (int exponent = -126; exponent < 128; ++exponent) {
+        for (const float m : signals::noise(uint32_t(exponent + 200), 6)) {
+            x.push_back(std::ldexp(1.0f + std::fabs(m) * 0.19f, exponent));
+            x.push_back(std::ldexp(m, exponent));
+        }
+    }
+    for (float k = -45.0f; k < 40.0f; ++k) {
+        x.insert(x.end(), {k, float(std::pow(10.0, double(k)))});
+    }
+    x.resize((x.size() + kGrid - 1) / kGrid * kGrid, 0.5f);
+    return x;
+}
+
+TEST(Grid, EveryLevelGivesTheSameCurves) {
+    const Floats x = wide_values();
+    for (size_t from = 0; from < x.size(); from += kGrid) {
+        const Floats grid(&x[from], &x[from] + kGrid);
+        const auto logarithms = [&](float* y) {
+            std::copy(grid.begin(), grid.end(), y);
+            b_log10(y);
+        };
+        kernels::expect_same_bits([&] { return run(kGrid, logarithms); });
+        for (const float base : {10.0f, 2.0f, 0.5f, -1.0f, 10.000001f}) {
+            kernels::expect_same_bits(
+                [&] { return run(kGrid, [&](float* y) { power(base, grid.data(), y); }); });
+        }
+    }
+    Floats points = signals::noise(5, kGrid);  // whose lines hold no subnormals
+    points[20] = points[21] = -0.0f;
+    points[30] = 3e38f;
+    points[31] = INFINITY;
+    points[32] = -INFINITY;
+    kernels::expect_same_bits([&] { return run(kHop, [&](float* y) { interp1_fac3(points.data(), y); }); });
 }
 
 }  // namespace

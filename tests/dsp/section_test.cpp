@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
+#include "tests/support/kernel_levels.h"
 #include "tests/support/section_model.h"
 #include "tests/support/signals.h"
 
@@ -11,9 +14,7 @@ namespace {
 
 constexpr size_t kHop = kHopSamples;
 
-struct Coefficients {
-    float b[3], a[3];
-};
+using Coefficients = SectionCoefficients;
 
 // Low-pass at 80 Hz, peak at 1 kHz, high-pass at 10 kHz: the kinds the modules run.
 constexpr Coefficients kSections[] = {
@@ -116,12 +117,94 @@ TEST(Section, AMatrixRunsItsFirstSectionsInOrder) {
             expected = run(kSections[ran], expected);
         }
         std::vector<float> io = x;
-        Delays delays[kMaxSections] = {};
-        filter_matrix(matrix, hostile[i], io.data(), delays);
+        StereoDelays delays[kMaxSections] = {};
+        Cascade cascade(1);
+        cascade.append_matrix(matrix, hostile[i], delays);
+        cascade.run(io.data());
         EXPECT_EQ(io, expected) << hostile[i];
         for (int s = sections[i]; s < kMaxSections; ++s) {
-            EXPECT_EQ(delays[s].z[0], 0.0f);
-            EXPECT_EQ(delays[s].z[1], 0.0f);
+            EXPECT_EQ(delays[s].channel[0].z[0], 0.0f);
+            EXPECT_EQ(delays[s].channel[0].z[1], 0.0f);
+        }
+    }
+}
+
+// Sections with poles and zeros all over the unit disc; every third is to be divided by its a0.
+Coefficients any_section(int seed) {
+    const std::vector<float> u = signals::noise(unsigned(seed), 4);
+    const float r = 0.5f + 0.49f * std::fabs(u[0]), q = 0.9f * std::fabs(u[1]);
+    Coefficients c = {{1.0f, 2.0f * q * u[3], q * q}, {1.0f, -2.0f * r * u[2], r * r}};
+    for (float& value : c.b) {
+        value *= seed % 3 == 0 ? 1.7f : 0.6f;
+    }
+    for (float& value : c.a) {
+        value *= seed % 3 == 0 ? 1.7f : 1.0f;
+    }
+    return c;
+}
+
+// Five hops through a cascade; then what the delays hold.
+std::vector<float> through_cascade(int sections, int channels, std::vector<float> io) {
+    std::vector<StereoDelays> delays(kMaxCascade);
+    for (StereoDelays& d : delays) {
+        d = {{{{-0.0f, 0.25f}}, {{1e-3f, -0.0f}}}};
+    }
+    for (size_t at = 0; at < io.size(); at += 2 * kHop) {
+        Cascade cascade(channels);
+        for (int s = 0; s < sections; ++s) {
+            cascade.append(any_section(s + int(at)), delays[size_t(s)]);
+        }
+        cascade.run(&io[at]);
+    }
+    for (const StereoDelays& d : delays) {
+        for (const Delays& channel : d.channel) {
+            io.insert(io.end(), channel.z, channel.z + 2);
+        }
+    }
+    return io;
+}
+
+TEST(Section, ACascadeHasTheSameBitsAtEveryLevel) {
+    std::vector<std::vector<float>> signals;
+    for (float scale : {1.0f, 1e30f, 1e-30f, -0.0f}) {
+        signals.push_back(signals::noise(6, 10 * kHop));
+        for (float& value : signals.back()) {
+            value *= scale;
+        }
+    }
+    std::vector<float>& changing = signals.emplace_back(signals::noise(7, 10 * kHop));
+    std::fill_n(changing.begin() + 100, 3 * kHop, -0.0f);
+    changing[4 * kHop + 1] = 3e38f;
+    changing[7 * kHop + 9] = INFINITY;
+    for (const std::vector<float>& x : signals) {
+        for (int sections = 0; sections <= kMaxCascade; ++sections) {
+            for (int channels : {1, 2}) {
+                SCOPED_TRACE(testing::Message() << sections << " sections, " << channels << " channels");
+                kernels::expect_same_bits([&] { return through_cascade(sections, channels, x); });
+            }
+        }
+    }
+}
+
+TEST(Section, ACascadeIsOneSectionAfterTheOtherAndLeavesTheSecondChannelAlone) {
+    const std::vector<float> x = signals::noise(8, 2 * kHop);
+    for (int sections : {1, 4, kMaxCascade}) {
+        for (int channels : {1, 2}) {
+            std::vector<float> expected = x;
+            std::vector<StereoDelays> model(kMaxCascade), delays(kMaxCascade);
+            Cascade cascade(channels);
+            for (int s = 0; s < sections; ++s) {
+                for (int c = 0; c < channels; ++c) {
+                    Coefficients section = any_section(s);
+                    float *hop = &expected[size_t(c) * kHop], *z = model[size_t(s)].channel[c].z;
+                    filter(section.b, section.a, hop, z, hop, z);
+                }
+                cascade.append(any_section(s), delays[size_t(s)]);
+            }
+            std::vector<float> io = x;
+            cascade.run(io.data());
+            EXPECT_EQ(io, expected);
+            EXPECT_EQ(std::memcmp(delays.data(), model.data(), delays.size() * sizeof delays[0]), 0);
         }
     }
 }

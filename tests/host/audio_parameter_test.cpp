@@ -99,6 +99,20 @@ TEST(AudioParameter, AddsReplacesAndRemoves) {
     EXPECT_STREQ(store.toString().string(), "b=3;c=x;y");
 }
 
+TEST(AudioParameter, CopiesAreOnTheirOwn) {
+    AudioParameter store(text("b=2;a=1;c=3"));
+    AudioParameter copy(store), assigned(text("z=9"));
+    assigned = store;
+    store.add(text("a"), text("changed"));
+    store.remove(text("c"));
+    copy.add(text("0"), text("first"));
+    EXPECT_STREQ(store.toString().string(), "a=changed;b=2");
+    EXPECT_STREQ(copy.toString().string(), "0=first;a=1;b=2;c=3");
+    EXPECT_STREQ(assigned.toString().string(), "a=1;b=2;c=3");
+    assigned = AudioParameter();
+    EXPECT_STREQ(assigned.toString().string(), "");
+}
+
 TEST(AudioParameter, FormatsNumbersIntoTheirBuffers) {
     AudioParameter store;
     EXPECT_EQ(store.addInt(String8("a"), std::numeric_limits<int>::min()), kOk);
@@ -168,6 +182,15 @@ TEST(AudioParameter, TakesLongTexts) {
         repeated += "k=" + std::to_string(repeated.size()) + ";;j=\x01\x7f\r\n;";
     }
     EXPECT_EQ(normalised(repeated + "k=last"), "j=\x01\x7f\r\n;k=last");
+    // Distinct keys in falling order, each given twice: a store that moves all for each would need minutes.
+    std::string falling, rising;
+    for (int key = 99999; key >= 0; --key) {
+        falling += std::to_string(100000 + key) + "=old;" + std::to_string(100000 + key) + "=n;";
+    }
+    for (int key = 0; key < 100000; ++key) {
+        rising += std::to_string(100000 + key) + (key < 99999 ? "=n;" : "=n");
+    }
+    EXPECT_TRUE(normalised(falling) == rising);
 }
 
 TEST(AudioParameter, KeepsTheKeyNamesHostsUse) {

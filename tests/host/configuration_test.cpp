@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -118,44 +120,83 @@ TEST_F(Configuration, EndsAtTheLengthAtANulAndAtTheLimit) {
     }
 }
 
-// Texts of keys, values and rubbish between any separators, against a reading by streams.
+// The settings as a reading by streams leaves them: up to a NUL and the limit.
+struct Model {
+    std::vector<float> stored, derived;
+    int32_t volume = 15;
+
+    Model(std::string text, const std::vector<SettingRow>& rows) : stored(rows.size(), 0.0f) {
+        for (const SettingRow& row : rows) {
+            derived.push_back(row.derived != nullptr ? *row.derived : 0.0f);
+        }
+        text = text.substr(0, std::min(text.find('\0'), kLimit));
+        std::replace_if(
+            text.begin(), text.end(), [](char c) { return std::strchr(" ,;{}[]=\t\n\r", c) != nullptr; },
+            ' ');
+        std::stringstream stream(text);
+        for (std::string key, value; std::getline(stream >> std::ws, key, ' ');) {
+            const auto row =
+                std::find_if(rows.begin(), rows.end(), [&](const auto& each) { return each.fileKey == key; });
+            const bool known = row != rows.end() || key == "volume_index_switch";
+            if (known && std::getline(stream >> std::ws, value, ' ')) {
+                known_value(row - rows.begin(), row != rows.end() ? &*row : nullptr, value);
+            }
+        }
+    }
+
+    void known_value(std::ptrdiff_t index, const SettingRow* row, const std::string& value) {
+        if (row == nullptr) {
+            const double whole =
+                std::trunc(std::atof(value.substr(0, value.find_first_of(".eExXnNpP")).c_str()));
+            volume = static_cast<int32_t>(std::clamp(whole, -2147483648.0, 2147483647.0));
+            return;
+        }
+        const auto known = std::find_if(value_texts().begin(), value_texts().end(),
+                                        [&](const auto& each) { return each.text == value; });
+        const double x = known != value_texts().end() ? known->value : std::strtod(value.c_str(), nullptr);
+        const auto i = static_cast<size_t>(index);
+        stored[i] = static_cast<float>(x);
+        derived[i] = row->expected != nullptr ? row->expected(double(stored[i])) : 0.0f;
+    }
+};
+
+std::string generated(std::mt19937& generator, const std::vector<SettingRow>& rows, size_t tokens) {
+    static const std::string kSeparators = " ,;{}[]=\t\n\r";
+    std::string text;
+    for (; tokens > 0; --tokens) {
+        const auto kind = generator() % 16;
+        text += kind == 0   ? "volume_index_switch"
+                : kind < 6  ? rows[generator() % rows.size()].fileKey
+                : kind < 14 ? value_texts()[generator() % value_texts().size()].text
+                            : "\x80:#";
+        for (auto count = 1 + generator() % 3; count > 0; --count) {
+            text += kSeparators[generator() % kSeparators.size()];
+        }
+    }
+    return text;
+}
+
+// Texts of keys, values and rubbish between any separators: short ones, with a NUL somewhere, across the limit, and of a
+// megabyte.
 TEST_F(Configuration, AgreesWithAModelOnAnyText) {
     std::mt19937 generator(99);
-    const std::string separators = " ,;{}[]=\t\n\r";
     for (int n = 0; n < 2000; ++n) {
-        std::string text;
-        for (auto tokens = generator() % 20; tokens > 0; --tokens) {
-            const auto kind = generator() % 8;
-            text += kind < 3   ? rows[generator() % rows.size()].fileKey
-                    : kind < 7 ? value_texts()[generator() % value_texts().size()].text
-                               : "\x80:#";
-            for (auto count = 1 + generator() % 3; count > 0; --count) {
-                text += separators[generator() % separators.size()];
-            }
+        std::string text = generated(generator, rows, n % 400 == 0 ? 100000 : generator() % 20);
+        if (n % 5 == 1) {
+            text.insert(generator() % (text.size() + 1), 1, '\0');
+        } else if (n % 100 == 2) {
+            text.insert(generator() % (text.size() + 1), kLimit - text.size() / 2, ' ');
         }
         clear();
+        const Model model(text, rows);
         apply(text);
-
-        std::string spaced = text;
-        std::replace_if(
-            spaced.begin(), spaced.end(), [&](char c) { return separators.find(c) != std::string::npos; },
-            ' ');
-        std::istringstream stream(spaced);
-        std::vector<float> expected(rows.size(), 0.0f);
-        for (std::string key, value; stream >> key;) {
-            const auto row =
-                std::find_if(rows.begin(), rows.end(), [&](auto& r) { return r.fileKey == key; });
-            if (row != rows.end() && stream >> value) {
-                const auto known = std::find_if(value_texts().begin(), value_texts().end(),
-                                                [&](auto& v) { return v.text == value; });
-                expected[size_t(row - rows.begin())] =
-                    known != value_texts().end() ? static_cast<float>(known->value)
-                                                 : static_cast<float>(std::strtod(value.c_str(), nullptr));
-            }
-        }
         for (size_t i = 0; i < rows.size(); ++i) {
-            ASSERT_TRUE(same(*rows[i].stored, expected[i])) << rows[i].fileKey << " of " << text;
+            ASSERT_TRUE(same(*rows[i].stored, model.stored[i]))
+                << rows[i].fileKey << " of " << text.substr(0, 500);
+            ASSERT_TRUE(rows[i].derived == nullptr || same(*rows[i].derived, model.derived[i]))
+                << rows[i].fileKey << " of " << text.substr(0, 500);
         }
+        ASSERT_EQ(mem.volumeIndexSwitch, model.volume) << text.substr(0, 500);
     }
 }
 

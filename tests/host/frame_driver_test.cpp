@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "dsp/pcm.h"
 #include "tests/host/engine.h"
 #include "tests/host/fake_chain.h"
 

@@ -61,8 +61,12 @@ TEST_F(Parameters, BehavesLikeAMapOverManyStrings) {
     std::mt19937 generator(12);
     std::map<std::string, float> model;
     std::string all = "HIFIPARA;output_device;volume_index_switch";
+    std::map<std::string, float> derived;
+    bool enabled = false;
+    int32_t device = gCurOutputDevice;
     for (const SettingRow& row : rows) {
         model[row.stringKey] = 0.0f;
+        derived[row.stringKey] = row.derived != nullptr ? *row.derived : 0.0f;
         all = row.stringKey + ";" + all;
     }
     const char* const strangers[] = {"compressionGain=9",
@@ -83,16 +87,33 @@ TEST_F(Parameters, BehavesLikeAMapOverManyStrings) {
             given[row.stringKey] = static_cast<float>(value.value);
             pairs += std::string(strangers[generator() % std::size(strangers)]) + ";";
         }
+        // Of two texts for the switch, and of two devices, the last holds.
+        for (auto count = generator() % 3; count > 0; --count) {
+            enabled = generator() % 2 == 0;
+            pairs += std::string("HIFIPARA=STEREOWIDEN_Enable=") + (enabled ? "true;" : "false;");
+            device = static_cast<int32_t>(generator() % 1000);
+            pairs += "output_device=" + std::to_string(device) + ";";
+        }
         engine::set(pairs.c_str());
+        ASSERT_EQ(gCurOutputDevice, device) << pairs;
         std::string answer;
         for (auto& [key, value] : model) {
             value = given.contains(key) ? given[key] : value;
-            answer += key == "HP_SurroundWidth" ? "HIFIPARA=STEREOWIDEN_Enable=false;" : "";
+            if (key == "HP_SurroundWidth") {
+                answer += std::string("HIFIPARA=STEREOWIDEN_Enable=") + (enabled ? "true;" : "false;");
+            }
             answer += key + "=" + answered(value) + ";";
         }
         answer.pop_back();
         ASSERT_EQ(get(all), answer) << pairs;
+        for (const SettingRow& row : rows) {
+            if (row.derived != nullptr && given.contains(row.stringKey)) {
+                derived[row.stringKey] = row.expected(double(given[row.stringKey]));
+            }
+            ASSERT_TRUE(row.derived == nullptr || same(*row.derived, derived[row.stringKey])) << pairs;
+        }
     }
+    engine::set("output_device=2");
     EXPECT_EQ(b_parameterMEM.volumeIndexSwitch, 0);
 }
 

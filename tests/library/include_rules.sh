@@ -1,26 +1,28 @@
 #!/bin/sh
-# Includes run one way: host -> chain -> modules -> dsp; no module includes another.
+# Includes run one way: tools -> host -> chain -> modules -> dsp; no module includes another, and nothing that ships
+# includes tests, benchmarks or fuzz targets.
 #   include_rules.sh ROOT
 set -eu
 cd "$1"
-find dsp platform modules chain include host tables tools adapters \( -name '*.h' -o -name '*.cpp' \) 2>/dev/null | sort |
+find dsp platform modules chain include host tables tools adapters fuzz \( -name '*.h' -o -name '*.cpp' \) 2>/dev/null | sort |
     xargs awk '
     BEGIN {
         platform = "(android/log|system/audio|utils/(Errors|SortedVector|String8))\\.h"
         public = "(zoq2processing|audio_parameter)\\.h"
         modules = "modules/(den/den|tws/tws|vb/vb|x2b/x2b|geq/geq|eq/eq|drc/drc)\\.h"
-        shared = "dsp/(frame|shared_value)\\.h"
+        shared = "dsp/(frame|poison|shared_value)\\.h"
         # What each room may name, beside its own headers.
         may["dsp"] = "none"
         may["platform"] = platform
         may["modules"] = "dsp/.*"
         may["modules/x2b"] = "dsp/.*|modules/drc/drc\\.h"
-        may["chain"] = modules "|" shared
+        may["chain"] = modules "|" shared "|dsp/grid\\.h"
         may["include"] = platform "|chain/.*|" modules "|dsp/(fft|frame|grid|section)\\.h"
-        may["host"] = public "|" platform "|chain/.*|" modules "|" shared
+        may["host"] = public "|" platform "|chain/.*|" modules "|" shared "|dsp/pcm\\.h"
         may["tables"] = "dsp/.*|modules/.*"
         may["adapters"] = public "|" platform "|host/.*"
-        may["tools"] = may["adapters"] "|tables/.*"
+        may["tools"] = may["adapters"] "|tables/.*|dsp/poison\\.h"
+        may["fuzz"] = may["tools"] "|tools/.*|tests/(support|tools)/.*"
     }
     FNR == 1 {
         files++

@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "tests/support/dft.h"
+#include "tests/support/kernel_levels.h"
 #include "tests/support/signals.h"
 
 using namespace android;
@@ -412,4 +413,53 @@ TEST(Den, FactoryBandsCoverAllBinsOnce) {
     EXPECT_EQ(next, 514.0f);
     EXPECT_EQ(kRecord.bandEnd[20], 42.0f);
     EXPECT_EQ(kRecord.bandEnd[33], 185.0f);
+}
+
+// Bands of some width from some bin on, each `gap` bins behind (or, below 0, over) the one before it.
+parameterDEN banded_record(int first, int width, int gap) {
+    parameterDEN record = kRecord;
+    for (int j = 0; j < kDenBands; ++j) {
+        record.bandStart[j] = static_cast<float>(first + j * (width + gap));
+        record.bandEnd[j] = record.bandStart[j] + static_cast<float>(width - 1);
+    }
+    return record;
+}
+
+// Hop after hop with ever other settings; signed zeros, a pair without sides and one without left among them.
+std::vector<float> restless_run(const parameterDEN& record, float level) {
+    const Setting settings[] = {{2.0f, 1.0f, 2.0f, 0.0f}, {1.0f, 1.0f, 0.0f, 0.0f}, {1.0f, 1.0f, 0.0f, 1.0f},
+                                {3.0f, 0.5f, 4.0f, 1.0f}, {1.0f, 1.0f, 3.0f, 0.5f}, {2.0f, 1.0f, 0.0f, 0.0f},
+                                {1.5f, 2.0f, -1.0f, 0.0f}};
+    const Stereo x = programme(24 * kHop);
+    std::vector<float> all;
+    bdiff_sm_not_empty_init();
+    for (size_t hop = 0; hop < 22; ++hop) {
+        const Setting& s = settings[hop % 7];
+        std::vector<float> io = frame_of(x, hop);
+        for (size_t n = 0; n < kFrame; ++n) {
+            io[n] = hop % 9 == 8 ? -0.0f : io[n] * level;
+            io[kFrame + n] = hop % 5 == 4 ? io[n] : io[kFrame + n] * level;
+        }
+        DialogueEnhancementWide(io.data(), hop % 11 == 10 ? 1.5f : record.smoothFactor, s.speech, s.base,
+                                s.wide, s.stereo, &record.wideCurve[0][0], record.bandEnd, record.bandStart);
+        all.insert(all.end(), io.begin(), io.end());
+    }
+    return all;
+}
+
+TEST(Den, EveryLevelGivesTheSameBits) {
+    const parameterDEN records[] = {
+        kRecord,  // then: 1 bin each; up to the last bin; gaps; overlaps; none; backward
+        banded_record(1, 1, 0),
+        banded_record(4, 15, 0),
+        banded_record(2, 3, 2),
+        banded_record(1, 9, -4),
+        banded_record(9, 0, 0),
+        banded_record(400, 5, -9)};
+    for (const parameterDEN& record : records) {
+        for (const float level : {1.0f, 1e-12f, 1e14f, 1e30f}) {
+            kernels::expect_same_bits([&] { return restless_run(record, level); });
+        }
+    }
+    bdiff_sm_not_empty_init();
 }

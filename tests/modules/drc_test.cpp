@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/hops.h"
+#include "tests/support/kernel_levels.h"
 
 using namespace android;
 using signals::Stereo;
@@ -223,6 +224,23 @@ TEST(Compressor, HostileChannelCountsStayInside) {
     for (float many : {3.0f, 1e30f, INFINITY}) {
         state_not_empty_init();
         EXPECT_EQ(play(x, record_with(12.0f), many), two) << many;
+    }
+}
+
+TEST(Compressor, EveryLevelGivesTheSameBits) {
+    const Stereo x = signals::all_kinds(20);
+    for (float kneeDb : {-1.0f, 0.0f, 6.0f}) {
+        kernels::expect_same_bits([&] {
+            state_not_empty_init();
+            int hop = 0;
+            return signals::one_after_the_other(signals::play(x, [&](float* io) {
+                parameterDRC drc = record_with(hop % 5 == 0 ? 3.0f : 21.0f);
+                drc.compKnee = kneeDb;
+                drc.expThreshold = hop % 3 == 0 ? -20.0f : -60.0f;
+                process(io, hop % 4 == 3 ? 1.0f : 2.0f, drc);
+                ++hop;
+            }));
+        });
     }
 }
 

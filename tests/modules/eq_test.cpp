@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "tests/support/hops.h"
+#include "tests/support/kernel_levels.h"
 #include "tests/support/section_model.h"
 
 using namespace android;
@@ -151,6 +152,25 @@ TEST(PeakingEqualizer, CountsAreTruncatedAndBounded) {
     EXPECT_NE(counts(2.0f, 4.0f), counts(2.0f, 5.0f));
     EXPECT_NE(counts(3.0f, 1023.0f), counts(3.0f, 1024.0f));
     EXPECT_EQ(counts(1e30f, INFINITY), counts(3.0f, 1024.0f));
+}
+
+TEST(PeakingEqualizer, EveryLevelGivesTheSameBits) {
+    const Stereo x = signals::all_kinds(20);
+    for (const parameterEQ& fixed : {factory(), all_stages()}) {
+        kernels::expect_same_bits([&] {
+            equalization_peak_init();
+            int hop = 0;
+            return signals::one_after_the_other(signals::play(x, [&](float* io) {
+                parameterEQ eq = fixed;
+                eq.trebleGain = 0.3f * float(hop % 3);
+                eq.finalPassCount += float(hop / 2 % 2);
+                equalization_peak(io, hop % 4 == 3 ? 1.0f : 2.0f, eq.peakSectionCount, eq.peakSos,
+                                  eq.trebleSectionCount, eq.trebleSos, eq.trebleGain, eq.finalSos,
+                                  eq.finalPassCount);
+                ++hop;
+            }));
+        });
+    }
 }
 
 }  // namespace

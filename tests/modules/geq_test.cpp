@@ -5,6 +5,7 @@
 #include <array>
 
 #include "tests/support/hops.h"
+#include "tests/support/kernel_levels.h"
 
 using namespace android;
 using signals::Stereo;
@@ -165,6 +166,23 @@ TEST(GraphicEqualizer, CountsOfBandsAreTruncatedAndBounded) {
     EXPECT_NE(bands(15.0f), bands(14.0f));
     for (float many : {16.0f, 1e30f, INFINITY}) {
         EXPECT_EQ(bands(many), bands(15.0f)) << many;
+    }
+}
+
+TEST(GraphicEqualizer, EveryLevelGivesTheSameBits) {
+    const Stereo x = signals::all_kinds(20);
+    const std::vector<float> warps(kGeqMaxBands, 0.1f);
+    for (int bands = 1; bands <= kGeqMaxBands; ++bands) {
+        kernels::expect_same_bits([&] {
+            graphicalEQ_init();
+            int hop = 0;
+            return signals::one_after_the_other(signals::play(x, [&](float* io) {
+                std::vector<float> gainsDb = signals::noise(uint32_t(hop / 3), kGeqMaxBands, 12.0f);
+                gainsDb[size_t(hop % kGeqMaxBands)] = 0.0f;  // bypassed for a hop
+                graphicalEQ(io, hop % 4 == 3 ? 1.0f : 2.0f, float(bands), gainsDb.data(), 1.0f, warps.data());
+                ++hop;
+            }));
+        });
     }
 }
 

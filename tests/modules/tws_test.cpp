@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "tests/support/dft.h"
+#include "tests/support/kernel_levels.h"
 #include "tests/support/signals.h"
 
 using namespace android;
@@ -142,5 +143,25 @@ TEST(Tws, AnyDelayReadsInsideTheFrameAndOnlyTheHopIsWritten) {
         EXPECT_EQ(out[0], expected) << delay;
         EXPECT_EQ(out[kHop - 1], expected) << delay;
         EXPECT_EQ(out[2 * kHop], 42.0f);
+    }
+}
+
+TEST(Tws, EveryLevelGivesTheSameBits) {
+    const Taps taps = decaying_taps(7);
+    std::vector<float> in = Stream().frame(1);
+    std::fill_n(in.begin() + kHop, 100, -0.0f);
+    std::fill_n(in.begin() + 2 * kFrame + 300, 200, -0.0f);
+    const float delays[] = {180.0f, 0.0f, 511.0f, 512.0f, 513.0f, -1.0f, 7.25f, 1e9f, -1e9f, NAN};
+    for (const float level : {1.0f, 1e-20f, 1e30f, 1e37f}) {
+        std::vector<float> scaled(in);
+        for (float& sample : scaled) {
+            sample *= level;
+        }
+        for (const float delay : delays) {
+            for (const float gain : {0.8f, 1.0f, -0.5f}) {
+                const parameterTWS record = record_with(taps, gain, delay);
+                kernels::expect_same_bits([&] { return widened(record, scaled); });
+            }
+        }
     }
 }

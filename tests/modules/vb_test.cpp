@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/hops.h"
+#include "tests/support/kernel_levels.h"
 #include "tests/support/section_model.h"
 
 using namespace android;
@@ -293,6 +294,24 @@ TEST(VirtualBass, HostileCountsStayInside) {
         }
     }
     virtualbassFunction_monoLC_init();
+}
+
+TEST(VirtualBass, EveryLevelGivesTheSameBits) {
+    const Stereo x = signals::all_kinds(20);
+    for (float sections : {0.0f, 1.0f, 3.0f}) {
+        kernels::expect_same_bits([&] {
+            virtualbassFunction_monoLC_init();
+            int hop = 0;
+            return signals::one_after_the_other(signals::play(x, [&](float* io) {
+                parameterVB vb;
+                factory_contents(hop % 3 == 0 ? 60.0f : 200.0f, &vb);
+                vb.inputHighpassSections = vb.bandHighpassSections = vb.harmonicLowpassSections = sections;
+                vb.compSlope = 0.1f * float(hop % 4);
+                virtualbassFunction_monoLC(io, hop % 4 == 3 ? 1.0f : 2.0f, &vb);
+                ++hop;
+            }));
+        });
+    }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "tests/support/dft.h"
+#include "tests/support/kernel_levels.h"
 #include "tests/support/signals.h"
 
 using namespace android;
@@ -223,4 +224,56 @@ TEST(X2b, CountsOutsideTheirRangesAreKeptWithin) {
         EXPECT_EQ(signals::rms(run(none, 2.0f)), 0.0) << none;
     }
     EXPECT_GT(signals::worst_difference(full, run(3.0f, 3.0f)), 0.1);
+}
+
+TEST(X2b, SlotsBehindThePartitionsInUseWait) {
+    Stream x{signals::impulse(0, kHop), std::vector<float>(kHop), std::vector<float>(kHop)};
+    x[0].resize(8 * kHop);
+    x[1].resize(8 * kHop);
+    x[2].resize(8 * kHop);
+    const float partitions[] = {4.0f, 1.0f, 1.0f, 0.0f, 2.0f, 4.0f, 4.0f, 4.0f};
+    const size_t sounding[] = {0, 1, 9, 9, 9, 2, 9, 3};  // partition of the impulse's room; 9: none
+    X2Binaural_v1_init();
+    for (size_t hop = 0; hop < 8; ++hop) {
+        rooms().record->numPartitions = partitions[hop];
+        const std::vector<float> out = render(x, hop, 2.0f, 1.0f);
+        for (size_t n = 0; n < kHop; ++n) {
+            const float expected = sounding[hop] < 4 ? rooms().ipsi[2][sounding[hop] * kHop + n] : 0.0f;
+            ASSERT_NEAR(out[n], expected, 1e-6) << "hop " << hop << " sample " << n;
+        }
+    }
+    rooms().record->numPartitions = 4.0f;
+}
+
+// One hop after another with ever other settings, inputs and records.
+std::vector<float> restless_run(float level) {
+    const float widths[] = {0.0f, 0.1f, 0.199999f, 0.2f, 0.7f, 1.0f, 1.3f, -0.2f};
+    Stream x = test_stream(48);
+    std::fill_n(x[0].begin() + 3 * kHop, kHop, -0.0f);
+    parameterX2B& record = *rooms().record;
+    std::vector<float> all;
+    X2Binaural_v1_init();
+    for (size_t hop = 0; hop < 48; ++hop) {
+        record.numPartitions = static_cast<float>(hop < 24 ? 4 : hop % 5);
+        std::swap(record.ipsiResponse[hop % 4][1], record.contraResponse[hop % 4][2]);
+        std::vector<float> in = frame_of(x, hop);
+        for (float& sample : in) {
+            sample *= level;
+        }
+        record.surroundWidth = widths[hop % 8];
+        all.resize(all.size() + 2 * kHop);
+        X2Binaural_v1(in.data(), static_cast<float>(1 + hop % 3), &record, &all[2 * kHop * hop]);
+    }
+    for (size_t hop = 48; hop-- > 0;) {
+        std::swap(record.ipsiResponse[hop % 4][1], record.contraResponse[hop % 4][2]);
+    }
+    record.numPartitions = 4.0f;
+    X2Binaural_v1_init();
+    return all;
+}
+
+TEST(X2b, EveryLevelGivesTheSameBits) {
+    for (const float level : {1.0f, 1e-20f, 1e30f, 1e36f, -0.0f}) {
+        kernels::expect_same_bits([=] { return restless_run(level); });
+    }
 }

@@ -40,6 +40,28 @@ Stereo play(Stereo x, Process process) {
     return x;
 }
 
+// What kernels may trip over, two hops of each kind, different on the two channels: music-like levels, full scale,
+// either zero, levels near the smallest, steps between far and near, single samples, squares that overflow.
+inline Stereo all_kinds(uint32_t seed) {
+    Stereo all;
+    for (float peak : {0.3f, 1.0f, 0.0f, 1e-5f, 0.01f, -0.0f, 1e-30f, 0.5f, 1e30f}) {
+        all = joined(all, stereo_noise(++seed, 2, peak));
+    }
+    std::fill_n(&all.left[300], 100, -0.0f);
+    std::fill_n(&all.right[100], 1000, 0.0f);
+    all.right[3000] = 1.0f;
+    for (size_t i = 0; i < all.left.size(); i += 57) {
+        all.left[i] = -all.right[i];
+    }
+    return all;
+}
+
+inline std::vector<float> one_after_the_other(const Stereo& x) {
+    std::vector<float> values = x.left;
+    values.insert(values.end(), x.right.begin(), x.right.end());
+    return values;
+}
+
 // The response of a filter at one frequency, from its impulse response.
 inline std::complex<double> response(std::span<const float> h, double frequencyHz) {
     const std::complex<double> step = std::polar(1.0, -2.0 * std::numbers::pi * frequencyHz / kRateHz);

@@ -17,7 +17,9 @@ void check(int error) {
 // SOFA files are netCDF-4 files of named dimensions.
 class File {
   public:
-    explicit File(const std::string& path) { check(nc_create(path.c_str(), NC_NETCDF4 | NC_CLOBBER, &id_)); }
+    File(const std::string& path, bool compressed) : compressed_(compressed) {
+        check(nc_create(path.c_str(), NC_NETCDF4 | NC_CLOBBER, &id_));
+    }
     File(const File&) = delete;
     File& operator=(const File&) = delete;
     ~File() { nc_close(id_); }
@@ -33,11 +35,15 @@ class File {
     int numbers(const char* name, const std::vector<int>& dimensions, const std::vector<double>& values) {
         int variable = 0;
         check(nc_def_var(id_, name, NC_DOUBLE, int(dimensions.size()), dimensions.data(), &variable));
+        if (compressed_) {
+            check(nc_def_var_deflate(id_, variable, 1, 1, 9));
+        }
         check(nc_put_var_double(id_, variable, values.data()));
         return variable;
     }
 
   private:
+    bool compressed_;
     int id_ = 0;
 };
 
@@ -80,7 +86,7 @@ std::vector<double> positions(const Content& content) {
 }  // namespace
 
 void write(const std::string& path, const Content& content) {
-    File file(path);
+    File file(path, content.compressed);
     write_attributes(file, content);
     const int I = file.dimension("I", 1), C = file.dimension("C", 3),
               R = file.dimension("R", content.receivers), E = file.dimension("E", 1),

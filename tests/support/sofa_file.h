@@ -16,6 +16,7 @@ struct Content {
     size_t receivers = 2;  // the ears' responses repeat
     std::string without;   // name of a variable to leave out
     std::string title = "a ball";
+    bool compressed = false;  // as measuring laboratories' files are
 };
 
 // Throws std::runtime_error if the file cannot be written.

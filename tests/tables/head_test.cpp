@@ -32,9 +32,9 @@ std::string written(const std::string& bytes) {
     return path;
 }
 
-std::string measured_file() {
+std::string contents(const std::string& path) {
     std::ostringstream bytes;
-    bytes << std::ifstream(kDefaultHeadFile, std::ios::binary).rdbuf();
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
     return bytes.str();
 }
 
@@ -59,7 +59,7 @@ TEST(LoadHead, SaysWhatIsWrongWithAFile) {
     EXPECT_TRUE(says(complaint([] { load_head("/nowhere/head.sofa"); }), "cannot read /nowhere/head.sofa"));
     EXPECT_TRUE(says(complaint([] { load_head(written("this is a text")); }), "not a SOFA file"));
     EXPECT_TRUE(says(complaint([] { load_head(written("")); }), "not a SOFA file"));
-    std::string bytes = measured_file();
+    std::string bytes = contents(kDefaultHeadFile);
     EXPECT_NE(complaint([&] { load_head(written(bytes.substr(0, bytes.size() / 2))); }), "");
 
     const std::string convention = "SimpleFreeFieldHRIR";
@@ -68,6 +68,14 @@ TEST(LoadHead, SaysWhatIsWrongWithAFile) {
     bytes.replace(at, convention.size(), "SimpleFreeFieldXXIR");
     const std::string said = complaint([&] { load_head(written(bytes)); });
     EXPECT_TRUE(says(said, "SimpleFreeFieldXXIR") && says(said, convention)) << said;
+}
+
+// One wrong count in a small file, over which libmysofa reads for hours.
+TEST(LoadHead, GivesUpOnAFileThatTakesForever) {
+    std::string bytes = contents(ZOQ_SOURCE "/fuzz/seeds/head_file/no_responses");
+    ASSERT_EQ(bytes.size(), 18348u);
+    bytes[14390] = 3;
+    EXPECT_TRUE(says(complaint([&] { load_head(written(bytes), 1); }), "comes to no end"));
 }
 
 TEST(RequireSound, SaysWhatIsWrongWithTheData) {

@@ -57,6 +57,21 @@ inline Sound tone(size_t frames, double hz, double amplitude, int channels = 2, 
     return sound;
 }
 
+// The amplitude of a sine in a channel, in dB of full scale, over 0.16 s (whole cycles of the equalizer's centres) around a
+// moment: the middle, if none is named.
+inline double level_db(const Sound& sound, int channel, double hz, double second = -1.0) {
+    const size_t count = static_cast<size_t>(sound.rate) * 16 / 100;
+    const size_t middle = second < 0.0 ? sound.frames() / 2 : static_cast<size_t>(second * sound.rate);
+    double re = 0.0;
+    double im = 0.0;
+    for (size_t i = middle - count / 2; i < middle - count / 2 + count; ++i) {
+        const double seconds = static_cast<double>(i) / sound.rate;
+        re += sound.at(i, channel) / 32768.0 * tone_at(seconds, hz);
+        im += sound.at(i, channel) / 32768.0 * tone_at(seconds + 0.25 / hz, hz);
+    }
+    return 20.0 * std::log10(2.0 * std::hypot(re, im) / static_cast<double>(count));
+}
+
 inline void write(const std::string& path, const Sound& sound,
                   int format = SF_FORMAT_WAV | SF_FORMAT_PCM_16) {
     SF_INFO info = {};

@@ -1,6 +1,12 @@
 // The check against the engine on generated texts, every diagnostic, and the corrected texts.
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <algorithm>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -52,6 +58,14 @@ std::string hostile_file(TextMaker& make) {
     return text;
 }
 
+std::string huge_file(TextMaker& make) {
+    std::string text;
+    while (text.size() < 1000000) {
+        text += sloppy_file(make);
+    }
+    return text;
+}
+
 std::string any_file(TextMaker& make) {
     switch (make.below(4)) {
         case 0:
@@ -92,6 +106,50 @@ TEST(ConfigCheck, PredictsTheEngineOverThousandsOfFiles) {
     }
     EXPECT_GT(applied, 20000u);
     EXPECT_GT(ignored, 20000u);
+}
+
+// Hides this process's /etc behind an empty folder of its own; whether the system lets it.
+bool has_own_etc() {
+    return (unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
+           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("none", "/etc", "tmpfs", 0, "size=16m") == 0 && mkdir("/etc/zoq", 0755) == 0;
+}
+
+// The entry point itself, with the file where a device has it. Returns the process's exit code.
+int start_with_files_in_place() {
+    constexpr int kNotAllowed = 77;
+    if (!has_own_etc()) {
+        return kNotAllowed;
+    }
+    TextMaker make(26);
+    android::b_parameterMEM = {};
+    Prediction prediction;
+    for (int n = 0; n < 1500; ++n) {
+        const std::string text = n % 300 == 0 ? huge_file(make) : any_file(make);
+        std::ofstream(android::kConfigurationPath, std::ios::binary) << text;
+        ZOQ_OUTPROC_PLAY_INIT();
+        prediction.initialise();
+        check_file(text).apply_to(prediction);
+        if (!engine_holds(prediction)) {
+            std::fprintf(stderr, "file %d:\n%.500s\n", n, text.c_str());
+            return 1;
+        }
+    }
+    return 0;
+}
+
+TEST(ConfigCheck, PredictsTheEntryPointWithTheFileInPlace) {
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(start_with_files_in_place());
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    if (WEXITSTATUS(status) == 77) {
+        GTEST_SKIP() << "no private /etc allowed here";
+    }
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST(ConfigCheck, PredictsTheFirstAndTheNextInitialisation) {
@@ -174,6 +232,12 @@ TEST(ConfigCheck, FileDiagnostics) {
         {"EQ_2khzgian = 2", "unknown-key", 1, 1, kError},
         {"treble = 4", "unknown-key", 1, 1, kError},
         {"[speaker]", "stray-word", 1, 2, kWarning},
+        {"compressionGain = 70\ntreble_boost = 15", "unknown-key", 2, 1, kError},
+        {"compressionGain = 70, treble_boost = 15", "unknown-key", 1, 23, kError},
+        {"compressionGain = 70\ntreble_boost 15", "unknown-key", 2, 1, kError},
+        {"compressionGain = 70\nfoo", "stray-word", 2, 1, kWarning},
+        {"compressionGain = 70\nSTEREOWIDEN_Enable", "not-here", 2, 1, kError},
+        {"compressionGain = 70\vVB_boostlin = 3", "key-in-value", 1, 19, kError},
         {"compressionGain 70 80", "stray-value", 1, 20, kWarning},
         {"compressionGain", "missing-value", 1, 1, kError},
         {"EQ_1khzgain EQ_2khzgain 3", "key-as-value", 1, 13, kError},
@@ -209,6 +273,60 @@ TEST(ConfigCheck, FileDiagnostics) {
     for (const Expected& expected : kCases) {
         expect_diagnostic(check_file(expected.text), expected);
     }
+}
+
+std::string remarks(const CheckResult& result, size_t most) {
+    std::ostringstream out;
+    print_diagnostics(out, result, "f", most);
+    return out.str();
+}
+
+TEST(ConfigCheck, UnknownKeysAreNamedWithTheNearestOne) {
+    const struct {
+        const char *key, *nearest;
+    } kCases[] = {{"EQ_62hz", "EQ_62hzgain"},       {"EQ_1000hzgain", "EQ_1khzgain"},
+                  {"EQ_16000hz", "EQ_16khzgain"},   {"treble_boost", "EQ_trebleBoost"},
+                  {"surround", "HP_SurroundWidth"}, {"zz", ""}};
+    for (const auto& c : kCases) {
+        for (const CheckResult& result :
+             {check_file("VB_boostlin 3\n" + std::string(c.key) + " = 3"),
+              check_parameter_string("VB_boostlin=3;" + std::string(c.key) + "=3")}) {
+            const auto found = std::find_if(result.diagnostics.begin(), result.diagnostics.end(),
+                                            [](const Diagnostic& d) { return d.code == "unknown-key"; });
+            ASSERT_NE(found, result.diagnostics.end()) << c.key;
+            EXPECT_EQ(found->suggestion, c.nearest);
+            EXPECT_EQ(found->message.find("the nearest is") != std::string::npos, found->suggestion.empty());
+        }
+    }
+}
+
+TEST(ConfigCheck, ErrorsComeFirstWhenThereIsNoRoomAndUnreadWordsAreNamed) {
+    std::string text;
+    for (int n = 0; n < 200; ++n) {
+        text += "word\n";
+    }
+    text += "EQ_62hzgain: 3\n";
+    const std::string few = remarks(check_file(text), 100);
+    EXPECT_NE(few.find("f:201:1: error:"), std::string::npos);
+    EXPECT_NE(few.find("f: 103 more\n"), std::string::npos);
+
+    const std::string cut =
+        remarks(check_file(std::string("VB_boostlin 3\n\0a b\0\nDS_stereoWidth 4", 36)), 0);
+    for (const char* word : {"f:2:2: warning: 'a' is not read [nul]", "f:2:4: warning: 'b'",
+                             "f:3:1: warning: 'DS_stereoWidth'", "f:3:16: warning: '4'"}) {
+        EXPECT_NE(cut.find(word), std::string::npos) << word << " in " << cut;
+    }
+    const CheckResult behind = check_file(std::string(kLimit, ' ') + "x\n" + "VB_boostlin 3");
+    ASSERT_EQ(behind.ignored.size(), 3u);
+    EXPECT_EQ(behind.ignored[1].place.line, 2);
+    EXPECT_EQ(behind.exit_code(), 2);
+    EXPECT_EQ(check_parameter_string(std::string("VB_boostlin=3\0;DS_stereoWidth=4", 31)).ignored.size(), 1u);
+    const std::string comment = remarks(check_file("# loud and 70"), 0);
+    EXPECT_NE(comment.find("f:1:3: note: 'loud'"), std::string::npos) << comment;
+    EXPECT_NE(comment.find("f:1:12: note: '70'"), std::string::npos) << comment;
+    // A value that another one replaces is not read again by the next initialisation.
+    EXPECT_EQ(remarks(check_file("VB_boostlin 150\nVB_boostlin 20"), 0).find("stores 150"),
+              std::string::npos);
 }
 
 TEST(ConfigCheck, StringDiagnostics) {
@@ -253,7 +371,9 @@ TEST(ConfigCheck, FixedTextsAreCleanAndStayAsTheyAre) {
     for (int n = 0; n < 2000; ++n) {
         const std::string text = settings_text(meant_by_file(any_file(make)).settings, Dialect::kFile);
         ASSERT_EQ(check_file(text).exit_code(), 0) << text;
-        ASSERT_EQ(settings_text(meant_by_file(text).settings, Dialect::kFile), text);
+        const Meant again = meant_by_file(text);
+        ASSERT_EQ(settings_text(again.settings, Dialect::kFile), text);
+        ASSERT_TRUE(again.dropped.empty() && again.changed.empty()) << text;
         const std::string string =
             settings_text(meant_by_parameter_string(any_string(make)).settings, Dialect::kString);
         ASSERT_EQ(check_parameter_string(string).exit_code(), 0) << string;
@@ -264,7 +384,7 @@ TEST(ConfigCheck, FixedTextsAreCleanAndStayAsTheyAre) {
 TEST(ConfigCheck, FixReadsWhatWasMeant) {
     const struct {
         std::string text, fixed;
-        size_t dropped;
+        size_t dropped, changed = 0;
     } kCases[] = {
         {"EQ_62hzgain: 3", "EQ_62hzgain = 3\n", 0},
         {"{ \"EQ_62hzgain\": \"-3.5\" }", "EQ_62hzgain = -3.5\n", 0},
@@ -273,7 +393,15 @@ TEST(ConfigCheck, FixReadsWhatWasMeant) {
         {"VB_bostlin 10dB", "VB_boostlin = 10\n", 0},
         {"EQ_63hzgain 3", "", 1},  // which band was meant is anybody's guess
         {"EQ_1khzgain EQ_2khzgain 3", "EQ_2khzgain = 3\n", 1},
-        {"VB_boostlin 130 VB_boostlin -2", "VB_boostlin = 0\n", 0},
+        {"VB_boostlin 130 VB_boostlin -2", "VB_boostlin = 0\n", 0, 1},
+        {"VB_boostlin 130 VB_boostlin 20", "VB_boostlin = 20\n", 0},
+        {"headphone_compressionGain 250 EQ_62hzgain -30",
+         "headphone_compressionGain = 100\nEQ_62hzgain = -24\n", 0, 2},
+        {"bar = 13\nSpeaker_bass 12\nVB_boostlin 4", "VB_boostlin = 4\n", 2},
+        {"[speaker]\nVB_boostlin 4 5", "VB_boostlin = 4\n", 2},
+        {"VB_boostlin 4x7 dB\nEQ_62hzgain = 3 dB;", "VB_boostlin = 4\nEQ_62hzgain = 3\n", 1},
+        {"compressionGain = 70\vVB_boostlin = 3", "compressionGain = 70\nVB_boostlin = 3\n", 0},
+        {"EQ_1000hzgain 2", "EQ_1khzgain = 2\n", 0},
         {"VB_boostlin nan", "", 1},
         {"# VB_boostlin 3\nDS_stereoWidth 4", "DS_stereoWidth = 4\n", 0},
         {"volume_index_switch 1e1", "volume_index_switch = 10\n", 0},
@@ -286,12 +414,14 @@ TEST(ConfigCheck, FixReadsWhatWasMeant) {
         const Meant meant = meant_by_file(c.text);
         EXPECT_EQ(settings_text(meant.settings, Dialect::kFile), c.fixed);
         EXPECT_EQ(meant.dropped.size(), c.dropped) << c.text.substr(0, 80);
+        EXPECT_EQ(meant.changed.size(), c.changed) << c.text.substr(0, 80);
     }
     const Meant string =
         meant_by_parameter_string(" VB_boostlin=2,5,compressionGain=3;output_device=0x8;HIFIPARA=on");
     EXPECT_EQ(settings_text(string.settings, Dialect::kString),
               "output_device=8;CompressionGain=3;VB_boostlin=2.5");
     EXPECT_EQ(string.dropped.size(), 1u);
+    EXPECT_EQ(meant_by_parameter_string("VB_boostlin=150;DS_stereoWidth=40").changed.size(), 1u);
 }
 
 TEST(ConfigCheck, ReportsHoldWhateverStandsInTheText) {

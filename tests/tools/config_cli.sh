@@ -53,6 +53,12 @@ fails 2 'needs FILE' "$zoq" config check
 fails 2 'need --fix' "$zoq" config check good.txt --in-place
 
 expect 1 'EQ_62hzgain = 3' "$zoq" config check bad.txt --fix
+expect 1 'compressionGain = 100' "$zoq" config check odd.txt --fix
+grep -q '170 lies outside 0..100.*100 is written' err.txt || { echo "a change without a word"; failures=$((failures + 1)); }
+printf 'bar = 13\ncompressionGain 70\n' >lost.txt
+expect 1 "'bar = 13' is left out" "$zoq" config check lost.txt --fix
+fails 1 'odd.txt: line 1: 170 lies outside' "$zoq" config write --from odd.txt
+fails 2 'octave below --eq-highest' "$zoq" config write --eq odd.txt --eq-lowest 1000 --eq-highest 1500
 cp bad.txt before.txt
 expect 1 'left out' "$zoq" config check bad.txt --fix --output fixed.txt
 cmp -s bad.txt before.txt || { echo "--output changed the file itself"; failures=$((failures + 1)); }
@@ -76,6 +82,26 @@ if command -v gnuplot >/dev/null; then
     grep -q '</svg>' fit.svg || { echo "no picture"; failures=$((failures + 1)); }
     expect 0 'Headphone_EQ_62hzgain' "$zoq" config check eq_config.txt
 fi
+
+# No file that is read is replaced, and none appears in part.
+printf 'Filter 1: ON PK Fc 1000 Hz Gain 6 dB Q 1.41\n' >eq.txt
+cp eq.txt eq_before.txt
+cp good.txt before.txt
+fails 2 'same file' "$zoq" config write --from good.txt --output ./good.txt
+fails 2 'same file' "$zoq" config write --eq eq.txt --output eq.txt
+fails 2 'same file' "$zoq" config check good.txt --fix --output good.txt
+fails 2 'same file' "$zoq" measure --config good.txt --csv good.txt
+fails 1 'No space left' sh -c "exec '$zoq' config write --from good.txt >/dev/full"
+fails 2 'No space left' sh -c "exec '$zoq' config check good.txt >/dev/full"
+fails 1 'No space left' sh -c "exec '$zoq' params >/dev/full"
+cmp -s good.txt before.txt && cmp -s eq.txt eq_before.txt || { echo "lost input"; failures=$((failures + 1)); }
+if command -v gnuplot >/dev/null; then
+    # The script is within the limit, the picture beyond it.
+    expect 1 "cannot keep gnuplot's picture" sh -c "ulimit -f 20; exec '$zoq' config write --eq eq.txt --plot big.svg"
+fi
+for leftover in big.svg .zoq-*; do
+    [ ! -e "$leftover" ] || { echo "left behind: $leftover"; failures=$((failures + 1)); }
+done
 
 [ "$failures" -eq 0 ] && echo "all as expected"
 [ "$failures" -eq 0 ]

@@ -274,7 +274,10 @@ TEST(ConfigWrite, RefusesWhatTheEngineWouldReadOtherwise) {
     }
     EXPECT_THROW(add_setting(settings, "volume_index_switch=3", Dialect::kString), UsageFailure);
     EXPECT_THROW(add_setting(settings, "HIFIPARA=true", Dialect::kString), UsageFailure);
-    EXPECT_THROW(add_file(settings, "VB_boostlin: 3", "base.txt"), Failure);
+    for (const char* text : {"VB_boostlin: 3", "compressionGain = 170", "headphone_compressionGain=250",
+                             "EQ_62hzgain -30", "compressionGain = 70\vVB_boostlin = 3"}) {
+        EXPECT_THROW(add_file(settings, text, "base.txt"), Failure) << text;
+    }
     EXPECT_TRUE(settings.empty());
 }
 

@@ -18,20 +18,6 @@ int loudest(const Sound& sound, int channel) {
     return static_cast<int>(best);
 }
 
-// The amplitude of a sine in a channel, in dB of full scale, over whole cycles in the middle of the sound.
-double level_db(const Sound& sound, int channel, double hz) {
-    const size_t count = static_cast<size_t>(sound.rate) / 10;
-    const size_t first = (sound.frames() - count) / 2;
-    double re = 0.0;
-    double im = 0.0;
-    for (size_t i = first; i < first + count; ++i) {
-        const double seconds = static_cast<double>(i) / sound.rate;
-        re += sound.at(i, channel) / 32768.0 * tone_at(seconds, hz);
-        im += sound.at(i, channel) / 32768.0 * tone_at(seconds + 0.25 / hz, hz);
-    }
-    return 20.0 * std::log10(2.0 * std::hypot(re, im) / static_cast<double>(count));
-}
-
 // What stands behind a key of a JSON report: behind the first one that follows the key of its object.
 std::string value_of(const std::string& report, const std::string& object, const std::string& key) {
     const std::string quotedKey = "\"" + key + "\": ";

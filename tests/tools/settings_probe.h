@@ -1,55 +1,21 @@
-// The engine's settings as they stand, in the form in which the tools predict them, and texts to try them with.
+// Texts of settings to try the tools with, and whether the engine holds what they predict.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <bit>
 #include <random>
 #include <string>
 
-#include "host/configuration.h"
-#include "host/engine_state.h"
-#include "tools/zoq/tuning/prediction.h"
+#include "tests/tools/engine_probe.h"
 
 namespace zoq {
 
-// An initialisation that reads a given text instead of the file.
-inline void start_engine(const std::string& file) {
-    android::validate_state();
-    android::apply_defaults();
-    android::apply_configuration_text(file.data(), file.size());
-}
-
-inline bool same_float(float a, float b) {
-    return std::bit_cast<uint32_t>(a) == std::bit_cast<uint32_t>(b);
-}
-
 // Compares every stored value and every derived field, bit for bit.
 inline testing::AssertionResult engine_holds(const Prediction& prediction) {
-    for (int row = 0; row < android::kSettings; ++row) {
-        const android::Setting& setting = android::settings()[row];
-        bool same = true;
-        switch (setting.kind) {
-            case android::Setting::Kind::kSwitch:
-                same = prediction[row].integer == android::b_parameterMEM.stereoWidenEnable;
-                break;
-            case android::Setting::Kind::kDevice:
-                same = prediction[row].integer == android::gCurOutputDevice;
-                break;
-            case android::Setting::Kind::kVolume:
-                same = prediction[row].integer == android::b_parameterMEM.volumeIndexSwitch;
-                break;
-            case android::Setting::Kind::kNumber:
-                same = same_float(prediction[row].number, *setting.stored) &&
-                       prediction[row].field.has_value() == (setting.derived != nullptr) &&
-                       (setting.derived == nullptr || same_float(*prediction[row].field, *setting.derived));
-                break;
-        }
-        if (!same) {
-            return testing::AssertionFailure()
-                   << "row " << row << ": predicted " << prediction.stored_text(row);
-        }
+    const int row = engine_difference(prediction);
+    if (row < 0) {
+        return testing::AssertionSuccess();
     }
-    return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "row " << row << ": predicted " << prediction.stored_text(row);
 }
 
 // Texts from tidy to hostile, the same for the same seed.

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
 #include <cerrno>
 
 #include "tools/zoq/failure.h"
@@ -29,7 +30,7 @@ std::string format_name(int command, int format) {
 
 std::string describe(int format) {
     std::string container = format_name(SFC_GET_FORMAT_INFO, format & SF_FORMAT_TYPEMASK);
-    container = container.substr(0, container.find(' '));
+    container.resize(std::min(container.find(' '), container.size()));
     return container + ", " + format_name(SFC_GET_FORMAT_INFO, format & SF_FORMAT_SUBMASK);
 }
 

@@ -6,6 +6,7 @@
 
 #include "tools/zoq/config_command.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/text_file.h"
 #include "tools/zoq/tuning/config_check.h"
 #include "tools/zoq/tuning/config_fix.h"
@@ -22,11 +23,13 @@ constexpr char kCheckFooter[] =
     "\n"
     "--fix writes the settings as they were meant, one 'key = value' a line; the file has no comment syntax, "
     "so\n"
-    "comments are left out. Settings that cannot be made out are left out and named.\n"
+    "comments are left out. Every other word that is not carried over is named, and so is every value that "
+    "is\n"
+    "moved into its range; the engine itself would use such a value as it stands.\n"
     "\n"
     "Exit code: 0 nothing to say (with --fix: everything carried over); 1 warnings (with --fix: something "
     "left\n"
-    "out); 2 errors, or the text cannot be read.";
+    "out or moved into its range); 2 errors, or the text cannot be read.";
 
 constexpr size_t kMostDiagnostics = 100;
 
@@ -45,8 +48,23 @@ void check_options(const CheckCommand& command) {
     if (command.fix && command.hasFile && command.hasString) {
         throw UsageFailure("--fix takes either FILE or --string");
     }
+    check_kept({{"FILE (--in-place replaces it)", command.file}}, {{"--output", command.output}});
     if (command.inPlace && (!command.hasFile || command.file == "-")) {
         throw UsageFailure("--in-place needs a FILE");
+    }
+}
+
+// What is not as it was: at most so many of the words left out, 0 for all.
+void print_losses(std::ostream& out, const Meant& meant, size_t most) {
+    for (const auto& [row, line] : meant.changed) {
+        out << "zoq: " << line << "\n";
+    }
+    const size_t shownCount = most == 0 ? meant.dropped.size() : std::min(most, meant.dropped.size());
+    for (size_t i = 0; i < shownCount; ++i) {
+        out << "zoq: " << meant.dropped[i] << "\n";
+    }
+    if (shownCount < meant.dropped.size()) {
+        out << "zoq: " << meant.dropped.size() - shownCount << " more are left out\n";
     }
 }
 
@@ -60,13 +78,11 @@ int fix(const CheckCommand& command, const std::string& fileText, const std::str
     std::ostringstream remarks;
     print_diagnostics(remarks, command.hasString ? check_parameter_string(text) : check_file(text),
                       command.hasString ? "string" : file, command.all ? 0 : kMostDiagnostics);
-    for (const std::string& line : meant.dropped) {
-        remarks << "zoq: " << line << "\n";
-    }
+    print_losses(remarks, meant, command.all ? 0 : kMostDiagnostics);
     std::cerr << remarks.str();
     const std::string end = command.hasString && command.output.empty() ? "\n" : "";
     write_text(command.inPlace ? command.file : command.output, checked_text(meant.settings, dialect) + end);
-    return meant.dropped.empty() ? 0 : 1;
+    return meant.dropped.empty() && meant.changed.empty() ? 0 : 1;
 }
 
 int check(const CheckCommand& command) {
@@ -114,7 +130,7 @@ void add_config_check_command(CLI::App& config) {
     app->add_option("--string", command->string, "a parameter string, key=value pairs joined by ';'")
         ->option_text("TEXT");
     CLI::Option* json = app->add_flag("--json", command->json, "for scripts");
-    app->add_flag("--all", command->all, "every remark, not only the first 100");
+    app->add_flag("--all", command->all, "every remark, not only 100, errors first");
     app->add_flag("--fix", command->fix, "write a corrected text instead")->excludes(json);
     CLI::Option* output =
         app->add_option("-o,--output", command->output, "where it goes (default: standard output)");

@@ -5,6 +5,7 @@
 
 #include "tools/zoq/config_command.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/gnuplot.h"
 #include "tools/zoq/plot.h"
 #include "tools/zoq/text_file.h"
@@ -18,6 +19,7 @@ namespace zoq {
 namespace {
 
 constexpr char kWriteFooter[] =
+    "No value outside its range is written: --set and --from refuse it.\n"
     "Taken in this order, later ones win: --from, --eq, --set. The text goes to standard output, what there "
     "is\n"
     "to say to standard error.\n"
@@ -64,8 +66,11 @@ void check_options(const WriteCommand& command) {
     if (!command.plot.empty() && (command.eq.empty() || !is_picture_path(command.plot))) {
         throw UsageFailure("--plot needs --eq and a name that ends in .svg or .png");
     }
+    const std::vector<NamedFile> outputs = {{"--output", command.output}, {"--plot", command.plot}};
+    check_different(outputs);
+    check_kept({{"--from", command.from}, {"--eq", command.eq}}, outputs);
     if (!(command.fit.hiHz >= 2.0 * command.fit.loHz)) {
-        throw UsageFailure("--eq-range needs at least an octave, low end first");
+        throw UsageFailure("--eq-lowest must lie at least an octave below --eq-highest");
     }
 }
 

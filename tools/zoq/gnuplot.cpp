@@ -1,5 +1,6 @@
 #include "tools/zoq/gnuplot.h"
 
+#include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -47,6 +48,19 @@ int wait_for(pid_t child) {
     return status;
 }
 
+// gnuplot doesn't notice what it fails to write: it writes into a pipe, and this program into the file.
+struct Pipe {
+    Pipe() {
+        int ends[2] = {-1, -1};
+        if (pipe2(ends, O_CLOEXEC) != 0) {
+            throw system_failure("cannot make", "a pipe", errno);
+        }
+        out = Descriptor(ends[0]);
+        in = Descriptor(ends[1]);
+    }
+    Descriptor out{-1}, in{-1};
+};
+
 std::string first_line(int file) {
     char text[200];
     const ssize_t length = pread(file, text, sizeof text, 0);
@@ -84,10 +98,22 @@ void draw(const std::string& script, const std::string& path) {
         throw system_failure("cannot keep", "a script in memory", error);
     }
     lseek(input.get(), 0, SEEK_SET);
-    const int status = wait_for(start(input.get(), picture.fd(), messages.get()));
+    Pipe pipe;
+    const pid_t child = start(input.get(), pipe.in.get(), messages.get());
+    pipe.in = Descriptor(-1);  // so that the child's end is the picture's
+    Descriptor drawing(-1);
+    try {
+        drawing = spool(pipe.out.get(), "gnuplot's picture");
+    } catch (...) {
+        kill(child, SIGTERM);
+        waitpid(child, nullptr, 0);
+        throw;
+    }
+    const int status = wait_for(child);
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
         throw Failure("cannot draw " + picture.name() + ": gnuplot failed: " + first_line(messages.get()));
     }
+    copy_all(drawing.get(), picture.fd(), picture.name());
     picture.commit();
 }
 

@@ -6,7 +6,6 @@
 
 #include "tools/zoq/audio_input.h"
 #include "tools/zoq/audio_output.h"
-#include "tools/zoq/failure.h"
 #include "tools/zoq/interruption.h"
 #include "tools/zoq/stereo_source.h"
 
@@ -25,26 +24,28 @@ int16_t scaled(int16_t sample, double gain, int64_t& clipped) {
 
 }  // namespace
 
-LevelMatch write_level_matched(const std::string& input, const std::string& output, const Loudness& before,
-                               const Loudness& after) {
+LevelMatch write_level_matched(const std::string& input, const std::string& output,
+                               const MatchTarget& target) {
     AudioInput audio(input);
-    if (audio.is_same_file(output)) {
-        throw Failure("INPUT and the level-matched file are the same, " + quoted(output));
-    }
     StereoSource source(audio);
     AudioOutput file(output);
     LevelMatch match;
-    if (std::isfinite(before.integratedLufs) && std::isfinite(after.integratedLufs)) {
-        match.gainDb = after.integratedLufs - before.integratedLufs;
-    }
+    const double before = target.before.integratedLufs, after = target.after.integratedLufs;
+    match.matched = std::isfinite(before) && std::isfinite(after);
+    match.gainDb = match.matched ? after - before : 0.0;
     const double gain = std::pow(10.0, match.gainDb / 20.0);
     std::vector<int16_t> block(2 * kFrames);
-    for (int got = kFrames; got == kFrames;) {
+    int64_t written = 0;
+    for (int got = kFrames; got == kFrames; written += got) {
         throw_if_interrupted();
         got = source.read(block.data(), kFrames);
         std::transform(block.begin(), block.begin() + 2 * got, block.begin(),
                        [&](int16_t sample) { return scaled(sample, gain, match.clipped); });
         file.write(block.data(), got);
+    }
+    std::fill(block.begin(), block.end(), int16_t{0});
+    for (int64_t left = target.frames - written; left > 0; left -= kFrames) {
+        file.write(block.data(), static_cast<int>(std::min<int64_t>(left, kFrames)));
     }
     file.commit();
     return match;

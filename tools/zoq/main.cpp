@@ -13,6 +13,7 @@
 #include "tools/zoq/measure_command.h"
 #include "tools/zoq/params_command.h"
 #include "tools/zoq/render_command.h"
+#include "tools/zoq/simulate/command.h"
 #include "tools/zoq/tables/command.h"
 
 namespace {
@@ -75,6 +76,7 @@ int main(int argc, char** argv) {
         app.require_subcommand(1);
         zoq::add_render_command(app);
         zoq::add_measure_command(app);
+        zoq::add_simulate_command(app);
         zoq::add_params_command(app);
         zoq::add_config_command(app);
         zoq::add_tables_command(app);

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/gnuplot.h"
 #include "tools/zoq/measure/measurements.h"
 #include "tools/zoq/measure/pictures.h"
@@ -48,9 +49,13 @@ constexpr char kFooter[] =
     "              and widening: filters and rooms peak some samples later\n"
     "  distortion  harmonics 2 to 9, THD and THD+N of a tone and of a bass tone at --level\n"
     "  static      output level over input level, -70 to 0 dBFS\n"
-    "  dynamics    the time that nine tenths of the change of gain, in dB, take behind a step of the input "
-    "from -30\n"
-    "              to -6 dBFS, and back; a tone of 8000 Hz has no ripple that the compressor could follow\n"
+    "  dynamics    the time that nine tenths of the change of gain, in dB, take behind a step of the "
+    "input's\n"
+    "              level (--step), and back; a tone of 8000 Hz has no ripple that the compressor could "
+    "follow.\n"
+    "              Where the louder tone would leave full scale until the compressor has acted, the limiter\n"
+    "              takes part, and the report says so; on headphones above 90 % it is faster: --step -36 "
+    "-20\n"
     "  crosstalk   what the right output has of a left input, at --level\n"
     "  clicks      switching on and off while 200 Hz play at --level: the largest difference of two "
     "neighbouring\n"
@@ -82,6 +87,8 @@ void add_measure_options(CLI::App& app, Command& command) {
                    "for the latter two")
         ->check(CLI::Range(20.0, 20000.0))
         ->option_text("HZ");
+    app.add_option("--step", options.stepDb, "levels for dynamics, -80 to 0 dBFS (default: -30 -6)")
+        ->option_text("LOW HIGH");
     app.add_option("--bass", options.bassHz, "for distortion, 20 to 20000 Hz (default: 50)")
         ->check(CLI::Range(20.0, 20000.0))
         ->option_text("HZ");
@@ -117,6 +124,15 @@ void check(const Command& command) {
     if (command.json && command.csv == "-") {
         throw UsageFailure("--json and --csv - both want standard output");
     }
+    const auto [low, high] = command.options.stepDb;
+    if (!(low >= -80.0 && high > low && high <= 0.0)) {
+        throw UsageFailure("--step needs two levels of -80 to 0 dBFS, the lower one first");
+    }
+    const std::vector<NamedFile> outputs = {{"--csv", command.csv}, {"--plot", command.picture}};
+    check_different(outputs);
+    for (const std::string& text : command.options.engine.files) {
+        check_kept({{"--config", text}}, outputs);
+    }
     if (!command.picture.empty() && !is_picture_path(command.picture)) {
         throw UsageFailure("cannot draw " + quoted(command.picture) + ": the name must end in .svg or .png");
     }
@@ -127,12 +143,7 @@ void run(Command& command) {
     check(command);
     options.what = chosen(command.what);
     options.excitation = kExcitations.at(command.excitation);
-    const bool quiet = command.quiet;
-    resolve(options.engine, [quiet](const std::string& message) {
-        if (!quiet) {
-            std::fprintf(stderr, "zoq: %s\n", message.c_str());
-        }
-    });
+    resolve(options.engine);
     const Measurements results = measure(options);
     if (!command.picture.empty()) {
         draw_measurements(options, results, command.picture);

@@ -3,6 +3,7 @@
 #include "tools/zoq/audio_input.h"
 #include "tools/zoq/audio_output.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/formatted.h"
 #include "tools/zoq/renderer.h"
 #include "tools/zoq/stereo_source.h"
@@ -46,10 +47,37 @@ void check_level_match(const RenderOptions& options) {
     if (options.input == "-") {
         throw UsageFailure("--level-match reads the input twice, which standard input does not allow");
     }
-    if (options.levelMatch == "-" || options.levelMatch == options.output) {
+    if (options.levelMatch == "-") {
         throw UsageFailure("--level-match needs a file of its own");
     }
     output_format(options.levelMatch);
+}
+
+// Every file that is written is another one, and none is a file that is read.
+void check_files(const RenderOptions& options, const AudioInput& input) {
+    const std::vector<NamedFile> outputs = {
+        {"OUTPUT", options.output}, {"--level-match", options.levelMatch}, {"--curves", options.curves}};
+    check_different(outputs);
+    for (const auto& [role, path] : outputs) {
+        if (!path.empty() && path != "-" && input.is_same_file(path)) {
+            throw Failure("INPUT and " + role + " are the same file, " + quoted(path));
+        }
+    }
+    for (const std::string& text : options.engine.files) {
+        check_kept({{"--config", text}}, outputs);
+    }
+}
+
+void write_dry(const RenderOptions& options, RenderResult& result, const Note& note) {
+    result.levelMatch = write_level_matched(options.input, options.levelMatch,
+                                            {*result.before, *result.after, result.framesWritten});
+    const LevelMatch& match = *result.levelMatch;
+    note(options.levelMatch + (match.matched ? " is the input with " + formatted("%+.1f dB", match.gainDb) +
+                                                   ", as loud as the output"
+                                             : " is the input as it is: silence has no loudness to match"));
+    if (match.clipped > 0) {
+        note(std::to_string(match.clipped) + " samples of it clip at that level");
+    }
 }
 
 }  // namespace
@@ -61,9 +89,7 @@ RenderResult render(const RenderOptions& options, const Note& note) {
     }
     output_format(options.output);  // a name without a known ending is refused before anything is read
     AudioInput input(options.input);
-    if (options.output != "-" && input.is_same_file(options.output)) {
-        throw Failure("INPUT and OUTPUT are the same file, " + quoted(options.output));
-    }
+    check_files(options, input);
     StereoSource source(input);
     EngineSession session(options.engine.blockFrames);
     apply(options.engine, session);
@@ -96,13 +122,7 @@ RenderResult render(const RenderOptions& options, const Note& note) {
     result.before = renderer.before().loudness();
     result.after = renderer.after().loudness();
     if (!options.levelMatch.empty()) {
-        result.levelMatch =
-            write_level_matched(options.input, options.levelMatch, *result.before, *result.after);
-        note(options.levelMatch + " is the input with " + formatted("%+.1f dB", result.levelMatch->gainDb) +
-             ", as loud as the output");
-        if (result.levelMatch->clipped > 0) {
-            note(std::to_string(result.levelMatch->clipped) + " samples of it clip at that level");
-        }
+        write_dry(options, result, note);
     }
     return result;
 }

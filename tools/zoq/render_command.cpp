@@ -24,8 +24,22 @@ struct Command {
 
 constexpr char kFooter[] =
     "The output is 16-bit stereo at 48000 Hz, WAV or FLAC by its name. It has as many sample frames as the\n"
-    "input at that rate, and every sound sits where it was: the engine's start, fade-in and delay are taken\n"
-    "off. --as-played leaves them in: 6000 sample frames (0.125 s) untouched, a fade-in of 5120, the delay.\n"
+    "input at that rate, and without --at every sound sits where it was: the engine's start, fade-in and "
+    "delay\n"
+    "are taken off. --as-played leaves them in: 6000 sample frames (0.125 s) untouched, a fade-in of 5120, "
+    "the delay.\n"
+    "\n"
+    "--at takes effect with the first block that begins at or behind its time: up to 10.7 ms late, 384 ms "
+    "with\n"
+    "--block 18432. The delay taken off is that of the beginning. A change of route starts anew, as on a "
+    "phone:\n"
+    "6000 sample frames pass untouched, and so as much early as the delay was, then processing fades in with "
+    "the\n"
+    "new route's delay. From the loudspeaker to headphones every sound sits 180 sample frames early from "
+    "then on\n"
+    "(512 instead of 692); with processing=off it sits early by all of the chain's delay.\n"
+    "\n"
+    "--level-match has the length of OUTPUT. Two of the files that are written must not be the same one.\n"
     "\n"
     "INPUT is anything libsndfile reads: WAV, FLAC, Ogg Vorbis, Opus, MP3, ... at any rate, with up to 8\n"
     "channels. '-' is standard input or standard output (as WAV), both kept in memory. The report goes to\n"
@@ -74,7 +88,7 @@ void print(std::FILE* stream, const std::string& text) {
 
 void run(Command& command) {
     RenderOptions& options = command.options;
-    resolve(options.engine, [](const std::string& message) { throw UsageFailure(message); });
+    resolve(options.engine);
     options.measure = command.textReport || command.jsonReport;
     options.showProgress = !command.quiet;
     const bool quiet = command.quiet;

@@ -69,6 +69,10 @@ std::string text_report(const RenderOptions& options, const RenderResult& result
     if (result.before && result.after) {
         text += level_rows(*result.before, *result.after);
     }
+    if (result.levelMatch) {
+        text += row("level match", formatted("%+.1f dB, ", result.levelMatch->gainDb) +
+                                       std::to_string(result.levelMatch->clipped) + " samples clipped");
+    }
     text += row("clipped in", result.inputClipped, "samples");
     text += row("speed", formatted("%.0f x real time", speed(result)));
     return text;
@@ -98,6 +102,11 @@ std::string json_report(const RenderOptions& options, const RenderResult& result
     if (result.before && result.after) {
         report["before"] = level_object(*result.before);
         report["after"] = level_object(*result.after);
+    }
+    if (result.levelMatch) {
+        report["levelMatch"] = {{"file", options.levelMatch},
+                                {"gainDb", level(result.levelMatch->gainDb)},
+                                {"clippedSamples", result.levelMatch->clipped}};
     }
     // File names need not be UTF-8.
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -10,6 +9,7 @@
 #include "host/settings.h"
 #include "tools/zoq/failure.h"
 #include "tools/zoq/text_file.h"
+#include "tools/zoq/tuning/config_text.h"
 #include "tools/zoq/tuning/key_names.h"
 
 namespace zoq {
@@ -20,16 +20,6 @@ namespace {
 bool is_known(const std::string& key) {
     const int row = find_exact(key, Dialect::kString);
     return row >= 0 && android::settings()[row].kind == android::Setting::Kind::kNumber;
-}
-
-std::string unknown_message(const std::string& key) {
-    int row = find_any_case(key);
-    if (const std::optional<Nearest> nearest = nearest_key(key); row < 0 && nearest) {
-        row = nearest->row;
-    }
-    const bool meant = row >= 0 && android::settings()[row].kind == android::Setting::Kind::kNumber;
-    return "unknown setting " + quoted(key) +
-           (meant ? ", did you mean " + quoted(spelling(row, Dialect::kString)) + "?" : "");
 }
 
 std::vector<std::string> split(const std::string& pairs) {
@@ -75,19 +65,19 @@ void add_settings_options(CLI::App& app, EngineSettings& settings) {
         ->option_text("FRAMES");
 }
 
-void resolve(EngineSettings& settings, const UnknownSetting& unknown) {
+void resolve(EngineSettings& settings) {
     std::vector<std::string> resolved;
     for (const std::string& pairs : settings.settings) {
         for (const std::string& pair : split(pairs)) {
             const size_t equals = std::min(pair.find('='), pair.size());
             const std::string key = pair.substr(0, equals);
             if (!is_known(key)) {
-                unknown(unknown_message(key));
-            } else if (equals == pair.size() || !is_number(pair.substr(equals + 1))) {
-                throw UsageFailure("the value of " + quoted(key) + " must be a number");
-            } else {
-                resolved.push_back(pair);
+                throw UsageFailure(unknown_setting(key));
             }
+            if (equals == pair.size() || !is_number(pair.substr(equals + 1))) {
+                throw UsageFailure("the value of " + quoted(key) + " must be a number");
+            }
+            resolved.push_back(pair);
         }
     }
     settings.settings = resolved;
@@ -109,11 +99,19 @@ void apply(const EngineSettings& settings, EngineSession& session) {
     }
 }
 
+std::string unknown_setting(const std::string& key) {
+    const std::string text = "unknown setting " + quoted(key);
+    if (key == "HIFIPARA" || key == "output_device") {
+        return text + ": an option of its own stands for it";
+    }
+    const int row = closest_key(key, Dialect::kString).row;
+    return text + ", did you mean " + quoted(spelling(row, Dialect::kString)) + "?";
+}
+
 bool is_number(const std::string& text) {
-    double value = 0.0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && stop == end && std::isfinite(value);
+    const NumberReading reading = read_number(text);
+    return reading.used > 0 && reading.used == text.size() &&
+           std::isfinite(static_cast<float>(reading.value));
 }
 
 const char* route_name(Route route) {

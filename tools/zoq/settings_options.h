@@ -1,7 +1,6 @@
 // The options that choose what the engine is set to; every command that runs the engine has them.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,18 +25,17 @@ struct EngineSettings {
 // --route, --volume, --config, --set and --block.
 void add_settings_options(CLI::App& app, EngineSettings& settings);
 
-// Takes "unknown setting 'DS_stereowidth', did you mean 'DS_stereoWidth'?". If it returns, the setting is
-// left out, which is what the engine does with it.
-using UnknownSetting = std::function<void(const std::string&)>;
-
-// Reads the files and takes the settings apart, to one "key=value" each. Throws UsageFailure for a value that
-// is no number (the engine reads as far as it can), Failure for a file that cannot be read.
-void resolve(EngineSettings& settings, const UnknownSetting& unknown);
+// Reads the files and takes the settings apart, to one "key=value" each. Throws UsageFailure for an unknown setting
+// and for a value that is no number (the engine reads as far as it can), Failure for a file that cannot be read.
+void resolve(EngineSettings& settings);
 
 // Everything but the processing switch, after resolve(), in any number of sessions.
 void apply(const EngineSettings& settings, EngineSession& session);
 
-// Whether all of a text is a finite number.
+// "unknown setting 'DS_stereowidth', did you mean 'DS_stereoWidth'?"
+std::string unknown_setting(const std::string& key);
+
+// Whether the engine reads all of a text as a finite number.
 bool is_number(const std::string& text);
 
 const char* route_name(Route route);

@@ -28,7 +28,7 @@ void check(const std::string& key, const std::string& value) {
                                                value.find_first_not_of("0123456789") == std::string::npos
                                          : is_number(value);
     if (key != "route" && key != "processing" && key != "volume" && !is_setting(key)) {
-        throw UsageFailure("--at: unknown setting " + quoted(key));
+        throw UsageFailure("--at: " + unknown_setting(key));
     }
     if (!known) {
         throw UsageFailure("--at: " + quoted(value) + " is no value for " + quoted(key));

@@ -17,8 +17,6 @@ constexpr int kStaticSteps = 36;
 constexpr size_t kStaticFrames = 36000;  // each
 constexpr size_t kStaticCounted = 12000;
 
-constexpr double kLowDb = -30.0;
-constexpr double kHighDb = -6.0;
 constexpr size_t kLowFrames = 1 * size_t{kEngineRate};
 constexpr size_t kHighFrames = 3 * size_t{kEngineRate};
 constexpr size_t kReleaseFrames =
@@ -81,17 +79,18 @@ StaticCurve measure_static(const MeasureOptions& options) {
 
 Dynamics measure_dynamics(const MeasureOptions& options) {
     const PeriodicTone tone(options.toneHz);
+    const auto [lowDb, highDb] = options.stepDb;
     Signal signal;
-    tone.append(signal, kLowDb, kLowFrames);
-    tone.append(signal, kHighDb, kHighFrames);
-    tone.append(signal, kLowDb, kReleaseFrames + kMeanFrames);
+    tone.append(signal, lowDb, kLowFrames);
+    tone.append(signal, highDb, kHighFrames);
+    tone.append(signal, lowDb, kReleaseFrames + kMeanFrames);
     const Recording recording = record(options, signal);
     const std::vector<double> envelope = tone.envelope(recording.channel[0]);
     const size_t up = kLowFrames + static_cast<size_t>(recording.latency.total());
     Dynamics dynamics;
     dynamics.toneHz = tone.hz();
-    dynamics.attack = step_response(envelope, kLowDb, kHighDb, up, kHighFrames);
-    dynamics.release = step_response(envelope, kHighDb, kLowDb, up + kHighFrames, kReleaseFrames);
+    dynamics.attack = step_response(envelope, lowDb, highDb, up, kHighFrames);
+    dynamics.release = step_response(envelope, highDb, lowDb, up + kHighFrames, kReleaseFrames);
     return dynamics;
 }
 

@@ -67,6 +67,7 @@ void add(Facts& facts, const std::string& what, const StepResponse& step) {
     facts.figures.push_back({"dynamics", "left", what + " to 90 %", "s", step.seconds90.value_or(kNothing)});
     facts.figures.push_back(
         {"dynamics", "left", what + " gain change", "dB", step.endGainDb - step.startGainDb});
+    facts.figures.push_back({"dynamics", "left", what + " limited", "1", step.limited() ? 1.0 : 0.0});
     Series gain = {"dynamics", "left", what + " gain", "dB", "time", "s", {}, {}};
     for (size_t i = 0; i < step.seconds.size(); i += kStepRows) {
         gain.x.push_back(step.seconds[i]);

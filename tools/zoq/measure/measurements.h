@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tools/zoq/engine_session.h"
@@ -23,9 +24,10 @@ enum class Measure { kResponse, kImpulse, kLatency, kDistortion, kStatic, kDynam
 struct MeasureOptions {
     EngineSettings engine;  // resolved
     Excitation excitation = Excitation::kMid;
-    double levelDb = -20.0;  // peak of the excitation in each excited channel
-    double toneHz = 1000.0;  // for distortion, static curve and dynamics
-    double bassHz = 50.0;    // for distortion
+    double levelDb = -20.0;                            // peak of the excitation in each excited channel
+    double toneHz = 1000.0;                            // for distortion, static curve and dynamics
+    double bassHz = 50.0;                              // for distortion
+    std::pair<double, double> stepDb = {-30.0, -6.0};  // for dynamics, low and high
     std::set<Measure> what;
 };
 
@@ -72,11 +74,13 @@ struct StaticCurve {
 
 // The gain of the left output's fundamental behind a step of the input's level.
 struct StepResponse {
-    double fromDb, toDb;              // of the input
-    std::vector<double> seconds;      // since the step
-    std::vector<double> gainDb;       // output against input
-    double startGainDb;               // ahead of the step
-    double endGainDb;                 // at the end
+    double fromDb, toDb;          // of the input
+    std::vector<double> seconds;  // since the step
+    std::vector<double> gainDb;   // output against input
+    double startGainDb;           // ahead of the step
+    double endGainDb;             // at the end
+    // The louder tone with the gain ahead of the step would leave full scale: the limiter takes part.
+    bool limited() const { return toDb > fromDb && toDb + startGainDb > 0.0; }
     std::optional<double> seconds90;  // until nine tenths of the change, in dB, are done; none for no change
 };
 

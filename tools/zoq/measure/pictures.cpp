@@ -114,7 +114,7 @@ void draw(PlotScript& script, const Dynamics& dynamics, Route route) {
     script.panel(with_hz("gain behind a step of the input, tone", dynamics.toneHz),
                  "time since the step (ms)", "gain (dB)")
         << gain_range({&ends})
-        << "set logscale x\nset xrange [1:10000]\nset xtics (1, 10, 100, 1000, 10000)\nplot "
+        << "set logscale x\nset xrange [1:10000]\nset xtics (1, 10, 100, 1000, 10000)\nset rmargin 4\nplot "
         << curve(attack, kLeftColour, step_title(dynamics.attack)) << ", "
         << curve(release, kRightColour, step_title(dynamics.release)) << "\n";
 }

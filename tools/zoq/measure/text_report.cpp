@@ -109,8 +109,12 @@ std::string paragraph(const StaticCurve& curve) {
 
 std::string step_line(const char* name, const StepResponse& step) {
     const double change = step.endGainDb - step.startGainDb;
-    return step.seconds90 ? formatted("%-16s %.1f ms to nine tenths of %+.2f dB (input %g to %g dBFS)\n",
-                                      name, 1000.0 * *step.seconds90, change, step.fromDb, step.toDb)
+    const char* limiter =
+        step.limited()
+            ? "                 the limiter takes part: a lower --step shows the compressor alone\n"
+            : "";
+    return step.seconds90 ? formatted("%-16s %.1f ms to nine tenths of %+.2f dB (input %g to %g dBFS)\n%s",
+                                      name, 1000.0 * *step.seconds90, change, step.fromDb, step.toDb, limiter)
                           : formatted("%-16s none: the gain is the same (input %g to %g dBFS)\n", name,
                                       step.fromDb, step.toDb);
 }

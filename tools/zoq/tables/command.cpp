@@ -8,6 +8,7 @@
 
 #include "tables/head_file.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/tables/import.h"
 #include "tools/zoq/tables/pictures.h"
 #include "tools/zoq/tables/records.h"
@@ -63,7 +64,7 @@ void conclude(const std::vector<tables::TableReport>& reports, bool json) {
 // The head, or why there is none. A head that the user names must be there.
 std::optional<tables::Head> load_listener(const std::string& path, bool named, std::string& absent) {
     try {
-        return tables::load_head(path);
+        return load_interruptible(path);
     } catch (const tables::HeadError& error) {
         if (named) {
             throw;
@@ -76,6 +77,7 @@ std::optional<tables::Head> load_listener(const std::string& path, bool named, s
 void run_report(const Command& command, bool headNamed) {
     if (!command.plot.empty()) {
         require_picture_or_folder(command.plot);
+        check_kept({{"--head", command.head}}, {{"--plot", command.plot}});
     }
     tables::Listener listener;
     const std::optional<tables::Head> head = load_listener(command.head, headNamed, listener.absent);

@@ -6,6 +6,7 @@
 #include "tables/head_file.h"
 #include "tables/room_responses.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/file_names.h"
 #include "tools/zoq/interruption.h"
 #include "tools/zoq/text_file.h"
 
@@ -16,14 +17,14 @@ namespace {
 constexpr char kFileName[] = "x2b_tables.cpp";
 
 std::string target(const ImportOptions& options) {
+    if (options.output == "-") {
+        throw UsageFailure("--output needs a file: the report goes to standard output");
+    }
     std::filesystem::path path(options.output);
     if (std::filesystem::is_directory(path)) {
         path /= kFileName;
     }
-    std::error_code error;
-    if (std::filesystem::equivalent(path, options.head, error)) {
-        throw Failure("the head and the output are the same file, " + quoted(options.head));
-    }
+    check_kept({{"FILE", options.head}}, {{"--output", path}});
     return path;
 }
 
@@ -47,10 +48,20 @@ std::string source_text(const tables::RoomResponses& rooms, const tables::Head& 
 
 }  // namespace
 
+tables::Head load_interruptible(const std::string& path) {
+    try {
+        tables::Head head = tables::load_head(path);
+        throw_if_interrupted();
+        return head;
+    } catch (const tables::HeadError&) {
+        throw_if_interrupted();  // then that is what kept it from being read
+        throw;
+    }
+}
+
 ImportResult import_rooms(const ImportOptions& options) {
     const std::string path = options.check ? "" : target(options);
-    const tables::Head head = tables::load_head(options.head);
-    throw_if_interrupted();
+    const tables::Head head = load_interruptible(options.head);
     const tables::RoomResponses rooms = tables::make_room_responses(head);
     throw_if_interrupted();
     ImportResult result{path, tables::check_rooms(rooms.tables(), {&head, ""})};

@@ -4,9 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "tables/head.h"
 #include "tables/properties.h"
 
 namespace zoq {
+
+// A head from a file. Throws tables::HeadError, Interrupted.
+tables::Head load_interruptible(const std::string& path);
 
 struct ImportOptions {
     std::string head;    // a SOFA file

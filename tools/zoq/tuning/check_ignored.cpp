@@ -9,12 +9,8 @@ namespace {
 using How = KeyGuess::How;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 constexpr std::string_view kNoBreakSpace = "\xC2\xA0";
-
-bool is_number(std::string_view text) {
-    const std::string copy(text);
-    return read_number(copy).used == copy.size() && !copy.empty();
-}
 
 // What is glued to a key, in words: "':'", "a byte-order mark".
 std::string glue_name(const KeyGuess& guess) {
@@ -62,21 +58,29 @@ Reason key_reason(const KeyGuess& guess, Dialect dialect) {
 }
 
 void note_ignored(CheckResult& result, const Token& token, Severity severity, const char* code,
-                  std::string why, std::string suggestion = "") {
+                  const std::string& why, std::string suggestion = "") {
     result.ignored.push_back({std::string(token.text), token.place, code});
     report(result, severity, code, token, shown(token.text) + " is ignored: " + why, std::move(suggestion));
 }
 
-void ignore_comment(CheckResult& result, const std::vector<Token>& tokens, size_t i, IgnoreContext& context) {
-    const Token& token = tokens[i];
+void ignore_comment(CheckResult& result, const Token& token, IgnoreContext& context) {
+    const bool first = context.commentLine != token.place.line;
+    context.commentLine = token.place.line;
     result.ignored.push_back({std::string(token.text), token.place, "comment"});
-    if (context.commentLine != token.place.line) {
-        context.commentLine = token.place.line;
-        report(result, Severity::kWarning, "comment", token,
-               shown(token.text) +
-                   " starts no comment, there is no comment syntax: its words are skipped one by "
-                   "one, and a key among them would be applied");
-    }
+    report(result, first ? Severity::kWarning : Severity::kNote, "comment", token,
+           shown(token.text) +
+               (first ? " starts no comment, there is no comment syntax: its words are skipped one by "
+                        "one, and a key among them would be applied"
+                      : " is ignored: it is no key"));
+}
+
+// A name that no key has: the nearest one is written instead, or just named when it is not near.
+void ignore_unknown(CheckResult& result, const Token& token, Dialect dialect, Severity severity,
+                    const char* code, const std::string& why) {
+    const ClosestKey closest = closest_key(token.text, dialect);
+    const std::string key = spelling(closest.row, dialect);
+    note_ignored(result, token, severity, code, why + (closest.likely ? "" : " (the nearest is " + key + ")"),
+                 closest.likely ? key : "");
 }
 
 void ignore_attempt(CheckResult& result, const Token& token, const KeyGuess& guess, IgnoreContext& context) {
@@ -91,28 +95,59 @@ void ignore_attempt(CheckResult& result, const Token& token, const KeyGuess& gue
 void ignore_word(CheckResult& result, std::string_view text, const std::vector<Token>& tokens, size_t i,
                  IgnoreContext& context) {
     const Token& token = tokens[i];
-    if (!context.attempt.empty() && token.place.line == context.attemptLine) {
-        note_ignored(result, token, Severity::kWarning, "stray-value",
-                     "it belongs to " + shown(context.attempt) + ", which is not read as a key");
-    } else if (context.keyTakenAsValue && context.afterSetting == i) {
-        note_ignored(result, token, Severity::kWarning, "stray-value",
-                     "the key in front of it was taken as the value of " + std::string(context.setting));
-    } else if (context.afterSetting == i && !context.setting.empty()) {
-        note_ignored(result, token, Severity::kWarning, "stray-value",
-                     std::string(context.setting) + " takes exactly one value");
-    } else if (is_number(token.text)) {
-        note_ignored(result, token, Severity::kWarning, "stray-value", "no key in front of it");
-    } else if (i + 1 < tokens.size() && is_number(tokens[i + 1].text) &&
-               text.substr(token.end(), tokens[i + 1].place.offset - token.end()).find('=') != text.npos) {
+    const bool behindSetting = context.afterSetting == i && context.settingLine == token.place.line;
+    if (meant_as_key(text, tokens, i)) {
         context.attempt = token.text;
         context.attemptLine = token.place.line;
-        note_ignored(result, token, Severity::kError, "unknown-key", "no key has this name");
+        ignore_unknown(result, token, Dialect::kFile, Severity::kError, "unknown-key",
+                       "no key has this name");
+    } else if (!context.attempt.empty() && token.place.line == context.attemptLine) {
+        note_ignored(result, token, Severity::kWarning, "stray-value",
+                     "it belongs to " + shown(context.attempt) + ", which is not read as a key");
+    } else if (context.keyTakenAsValue && behindSetting) {
+        note_ignored(result, token, Severity::kWarning, "stray-value",
+                     "the key in front of it was taken as the value of " + std::string(context.setting));
+    } else if (behindSetting) {
+        note_ignored(result, token, Severity::kWarning, "stray-value",
+                     std::string(context.setting) + " takes exactly one value");
+    } else if (reads_as_number(token.text)) {
+        note_ignored(result, token, Severity::kWarning, "stray-value", "no key in front of it");
+    } else if (token.text == "STEREOWIDEN_Enable") {
+        context.attempt = token.text;
+        context.attemptLine = token.place.line;
+        note_ignored(result, token, Severity::kError, "not-here",
+                     "it is a value of the key HIFIPARA, which only parameter strings know");
+    } else if (closest_key(token.text, Dialect::kFile).likely) {
+        ignore_unknown(result, token, Dialect::kFile, Severity::kWarning, "stray-word", "it is no key");
     } else {
         note_ignored(result, token, Severity::kWarning, "stray-word", "it is no key");
     }
 }
 
 }  // namespace
+
+bool reads_as_number(std::string_view text) {
+    const std::string copy(text);
+    return !copy.empty() && read_number(copy).used == copy.size();
+}
+
+bool meant_as_key(std::string_view text, const std::vector<Token>& tokens, size_t i) {
+    const Token& token = tokens[i];
+    if (i + 1 >= tokens.size() || reads_as_number(token.text)) {
+        return false;
+    }
+    const Token& next = tokens[i + 1];
+    if (!reads_as_number(next.text) || token.text.find_first_of(kLetters) == std::string_view::npos) {
+        return false;
+    }
+    if (text.substr(token.end(), next.place.offset - token.end()).find('=') != std::string_view::npos) {
+        return true;
+    }
+    const auto other_line = [&](size_t k) {
+        return k >= tokens.size() || tokens[k].place.line != token.place.line;
+    };
+    return !other_line(i + 1) && other_line(i + 2) && (i == 0 || other_line(i - 1));
+}
 
 bool decimal_comma(std::string_view text, const std::vector<Token>& tokens, size_t i) {
     if (i + 1 >= tokens.size() || !is_whole_number(tokens[i].text)) {
@@ -127,7 +162,7 @@ void ignore_token(CheckResult& result, std::string_view text, const std::vector<
                   IgnoreContext& context) {
     const Token& token = tokens[i];
     if (token.comment) {
-        ignore_comment(result, tokens, i, context);
+        ignore_comment(result, token, context);
         return;
     }
     const KeyGuess guess = guess_key(token.text, Dialect::kFile);
@@ -140,6 +175,11 @@ void ignore_token(CheckResult& result, std::string_view text, const std::vector<
 
 void ignore_pair(CheckResult& result, const Pair& pair) {
     const KeyGuess guess = guess_key(pair.key.text, Dialect::kString);
+    if (guess.row < 0 && pair.key.text != "STEREOWIDEN_Enable") {
+        ignore_unknown(result, pair.key, Dialect::kString, Severity::kError, "unknown-key",
+                       "no key has this name");
+        return;
+    }
     Reason reason = key_reason(guess, Dialect::kString);
     const char* key = guess.row >= 0 ? spelling(guess.row, Dialect::kString) : nullptr;
     std::string suggestion = key != nullptr ? key : "";

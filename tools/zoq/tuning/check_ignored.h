@@ -11,6 +11,7 @@ namespace zoq {
 struct IgnoreContext {
     size_t afterSetting = 0;       // position of the token behind the last setting's value
     std::string_view setting;      // that setting's key
+    int settingLine = 0;           // and its value's line
     bool keyTakenAsValue = false;  // its value was meant to be a key
     std::string_view
         attempt;  // the last ignored token that was meant to be a key, still waiting for its value
@@ -26,6 +27,12 @@ void ignore_pair(CheckResult& result, const Pair& pair);
 
 // Reports a decimal comma in a pair's number, or a comma meant to separate pairs; whether there was one.
 bool check_comma(CheckResult& result, const Pair& pair);
+
+// Whether all of a text is a number.
+bool reads_as_number(std::string_view text);
+
+// Whether the token at i is a name that was meant to be a key: "name = 3", or "name 3" alone on a line.
+bool meant_as_key(std::string_view text, const std::vector<Token>& tokens, size_t i);
 
 // Whether the tokens at i and i + 1 are a number with a decimal comma.
 bool decimal_comma(std::string_view text, const std::vector<Token>& tokens, size_t i);

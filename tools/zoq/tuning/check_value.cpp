@@ -19,6 +19,10 @@ bool only_space(std::string_view text) {
     return text.find_first_not_of(" \t\n\v\f\r") == std::string_view::npos;
 }
 
+bool key_behind(std::string_view text, size_t used) {
+    return guess_key(text.substr(used), Dialect::kFile).certain();
+}
+
 // What the chain makes of a value: " (boostLin 10)".
 std::string chain_remark(int row, float value) {
     const SettingDoc& doc = setting_doc(row);
@@ -70,7 +74,10 @@ void check_number(CheckResult& result, int row, const Token& token) {
                    (std::isnan(value) ? ", which no range check catches" : ""));
         return;
     }
-    if (!only_space(std::string_view(text).substr(reading.used))) {
+    if (key_behind(text, reading.used)) {
+        report(result, Severity::kError, "key-in-value", token,
+               shown(text) + " is read as " + number_text(value) + ": the key in it is not looked at");
+    } else if (!only_space(std::string_view(text).substr(reading.used))) {
         report(result, Severity::kWarning, "trailing-text", token,
                shown(text) + " is read as " + number_text(value) + ", the rest of it is ignored",
                number_text(value));
@@ -87,7 +94,10 @@ void check_integer(CheckResult& result, int row, const Token& token) {
     const NumberReading number = read_number(text);
     const std::string value = std::to_string(reading.value);
     const std::string key = spelling(row, result.dialect);
-    if (reading.used == 0) {
+    if (reading.used > 0 && key_behind(text, reading.used)) {
+        report(result, Severity::kError, "key-in-value", token,
+               shown(text) + " is read as " + value + ": the key in it is not looked at");
+    } else if (reading.used == 0) {
         report(result, Severity::kError, "not-a-number", token,
                shown(text) + " is the value of " + key + " and no decimal integer: read as 0");
     } else if (reading.saturated) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 #include "tools/zoq/tuning/check_ignored.h"
 #include "tools/zoq/tuning/check_value.h"
@@ -61,6 +62,7 @@ class FileCheck {
         result_.assignments.push_back({row, key.place, std::string(value.text), value.place, false});
         context_.afterSetting = i + 2;
         context_.setting = key.text;
+        context_.settingLine = value.place.line;
         check_surroundings(key, value);
         if (decimal_comma(read_, tokens_, i + 1)) {
             report_comma(key, value, tokens_[i + 2]);
@@ -123,8 +125,10 @@ class FileCheck {
             report(result_, severity, "nul", whole_rest(text_, extent_.length),
                    "a NUL byte ends the text: the last " + left + " are not read" +
                        (matters ? "" : " (nothing but separators)"));
+            note_unread("nul");
         } else if (extent_.limited) {
             check_cut(rest);
+            note_unread("past-limit");
             report(result_, severity, "past-limit", whole_rest(text_, extent_.length),
                    "only the first " + std::to_string(extent_.length) + " bytes are read: the last " + left +
                        " are not" + (matters ? "" : " (nothing but separators)"));
@@ -132,6 +136,18 @@ class FileCheck {
         if (result_.assignments.empty()) {
             report(result_, Severity::kNote, "no-settings", whole_rest(text_, 0),
                    "no setting reaches the engine");
+        }
+    }
+
+    // Every word of the rest; of UTF-16 there would be one for each letter.
+    void note_unread(const char* code) {
+        if (is_utf16(text_)) {
+            return;
+        }
+        std::string rest(text_);
+        std::replace(rest.begin(), rest.end(), '\0', ' ');
+        for (const Token& token : file_tokens(rest, extent_.length)) {
+            result_.ignored.push_back({std::string(token.text), token.place, code});
         }
     }
 
@@ -152,13 +168,15 @@ class FileCheck {
     IgnoreContext context_;
 };
 
-// Marks every assignment but the last of each setting.
+// Marks every assignment but the last of each setting. What was said of the range of the others is moot.
 void mark_replaced(CheckResult& result) {
     std::map<int, Place> winner;
+    std::set<size_t> replaced;
     for (auto it = result.assignments.rbegin(); it != result.assignments.rend(); ++it) {
         const auto [last, isLast] = winner.try_emplace(it->row, it->keyPlace);
         it->replaced = !isLast;
         if (it->replaced) {
+            replaced.insert(it->valuePlace.offset);
             const std::string key = spelling(it->row, result.dialect);
             result.diagnostics.push_back({Severity::kWarning, "duplicate", it->keyPlace, key,
                                           key + " " + shown(it->value) + " is replaced in line " +
@@ -167,12 +185,28 @@ void mark_replaced(CheckResult& result) {
                                           ""});
         }
     }
+    std::erase_if(result.diagnostics, [&replaced](const Diagnostic& diagnostic) {
+        return (diagnostic.code == "out-of-range" || diagnostic.code == "unusual") &&
+               replaced.count(diagnostic.place.offset) > 0;
+    });
 }
 
 void sort_by_place(CheckResult& result) {
     std::stable_sort(
         result.diagnostics.begin(), result.diagnostics.end(),
         [](const Diagnostic& a, const Diagnostic& b) { return a.place.offset < b.place.offset; });
+}
+
+// The pairs behind a NUL byte.
+void note_unread_pairs(CheckResult& result, std::string_view text) {
+    std::string rest(text);
+    std::fill_n(rest.begin(), result.bytesRead, ';');
+    std::replace(rest.begin(), rest.end(), '\0', ';');
+    PlaceFinder places(text);
+    for (const Pair& pair : string_pairs(rest)) {
+        const size_t from = pair.key.place.offset, end = pair.hasValue ? pair.value.end() : pair.key.end();
+        result.ignored.push_back({rest.substr(from, end - from), places.at(from), "nul"});
+    }
 }
 
 void check_pair(CheckResult& result, const Pair& pair) {
@@ -233,6 +267,7 @@ CheckResult check_parameter_string(std::string_view text, std::string_view file)
         check_pair(result, pair);
     }
     if (result.bytesRead < text.size()) {
+        note_unread_pairs(result, text);
         report(result, Severity::kError, "nul", whole_rest(text, result.bytesRead),
                "a NUL byte ends the text");
     }

@@ -32,11 +32,12 @@ struct Assignment {
     bool replaced;  // a later one wins
 };
 
-// A token, or a whole pair of a parameter string, without any effect.
+// A token, or a whole pair of a parameter string, without any effect. Those that are not read at all ("nul",
+// "past-limit") have one diagnostic together.
 struct IgnoredToken {
     std::string text;
     Place place;
-    std::string code;  // of the diagnostic that explains it
+    const char* code;  // of the diagnostic that explains it
 };
 
 struct CheckResult {
@@ -49,6 +50,10 @@ struct CheckResult {
     Prediction afterNextStart;  // after one more initialisation, with the same file
 
     Severity worst() const;
+    // Whether the engine doesn't even read it.
+    static bool unread(const IgnoredToken& token) {
+        return token.code == std::string_view("nul") || token.code == std::string_view("past-limit");
+    }
     int exit_code() const { return static_cast<int>(worst()); }  // 0 clean or notes, 1 warnings, 2 errors
     void apply_to(Prediction& prediction) const;
 };

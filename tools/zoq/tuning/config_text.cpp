@@ -65,10 +65,10 @@ bool is_separator(char c) {
     return c != '\0' && std::strchr(android::kConfigurationSeparators, c) != nullptr;
 }
 
-std::vector<Token> file_tokens(std::string_view text) {
+std::vector<Token> file_tokens(std::string_view text, size_t from) {
     std::vector<Token> tokens;
     PlaceFinder places(text);
-    for (size_t i = 0; i < text.size();) {
+    for (size_t i = from; i < text.size();) {
         if (is_separator(text[i])) {
             ++i;
             continue;

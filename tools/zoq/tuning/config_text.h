@@ -44,8 +44,8 @@ TextExtent file_extent(std::string_view text);
 // A UTF-16 text begins with a byte-order mark; every other byte of its letters is NUL.
 bool is_utf16(std::string_view text);
 
-// The tokens of a text, every byte of which is looked at.
-std::vector<Token> file_tokens(std::string_view text);
+// The tokens of a text from an offset on, every byte of which is looked at.
+std::vector<Token> file_tokens(std::string_view text, size_t from = 0);
 
 bool is_separator(char c);  // of the file; NUL is none
 

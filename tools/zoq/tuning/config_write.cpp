@@ -61,13 +61,14 @@ void add_setting(Settings& settings, const std::string& pair, Dialect dialect) {
 void add_file(Settings& settings, std::string_view text, const std::string& name) {
     const CheckResult result = check_file(text);
     for (const Diagnostic& diagnostic : result.diagnostics) {
-        if (diagnostic.severity == Severity::kError) {
+        const bool changes = diagnostic.code == "out-of-range" || diagnostic.code == "unusual";
+        if (diagnostic.severity == Severity::kError || changes) {
             throw Failure(name + ": line " + std::to_string(diagnostic.place.line) + ": " +
                           diagnostic.message + " ('zoq config check --fix' writes a corrected file)");
         }
     }
-    for (const auto& [row, value] : meant_by_file(text).settings) {
-        settings[row] = value;
+    for (const Assignment& assignment : result.assignments) {
+        settings[assignment.row] = clean_number(assignment.row, assignment.value);
     }
 }
 

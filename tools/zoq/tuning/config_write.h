@@ -15,7 +15,8 @@ enum class EqRoute { kSpeaker, kHeadphone, kBoth };
 // the setting's range, or the switch's text. Throws Failure.
 void add_setting(Settings& settings, const std::string& pair, Dialect dialect);
 
-// Adds the settings that the engine takes from a file. Throws Failure when the check finds errors in it.
+// Adds the settings that the engine takes from a file. Throws Failure when the check finds errors in it,
+// and for a value outside its range: nothing that sounds otherwise is written without a word.
 void add_file(Settings& settings, std::string_view text, const std::string& name);
 
 // Adds the nine gains of a route, or of both.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <vector>
 
 #include "tools/zoq/tuning/setting_docs.h"
 
@@ -32,6 +33,35 @@ std::string digits_of(std::string_view text) {
 }
 
 constexpr size_t kLongestName = 32;
+
+// What names are compared by: lower case, and the bands' kilohertz written as in the keys ("1000hz" is "1khz").
+std::string plain_name(std::string_view text) {
+    std::string name = lowered(text);
+    const size_t thousand = name.find("000hz");
+    if (thousand != std::string::npos && thousand > 0 && name[thousand - 1] >= '1' &&
+        name[thousand - 1] <= '9') {
+        name.replace(thousand, 3, "k");
+    }
+    return name;
+}
+
+// The keys in lower case, empty where a dialect has none: looked at for every word of a text.
+struct LowerKeys {
+    std::string file, string, any;
+};
+const LowerKeys& lower_keys(int row) {
+    static const std::vector<LowerKeys> kKeys = [] {
+        std::vector<LowerKeys> keys;
+        for (int each = 0; each < android::kSettings; ++each) {
+            const char* file = spelling(each, Dialect::kFile);
+            const char* string = spelling(each, Dialect::kString);
+            keys.push_back({lowered(file != nullptr ? file : ""), lowered(string != nullptr ? string : ""),
+                            lowered(any_spelling(each))});
+        }
+        return keys;
+    }();
+    return kKeys[static_cast<size_t>(row)];
+}
 
 // Edits between two texts of at most kLongestName letters, with two neighbours swapped counting as one.
 size_t edit_distance(const std::string& a, const std::string& b) {
@@ -92,23 +122,23 @@ int find_exact(std::string_view text, Dialect dialect) {
 }
 
 int find_any_case(std::string_view text) {
+    if (text.empty() || text.size() > kLongestName) {
+        return -1;
+    }
     const std::string wanted = lowered(text);
     for (int row = 0; row < android::kSettings; ++row) {
-        for (const Dialect dialect : {Dialect::kString, Dialect::kFile}) {
-            const char* key = spelling(row, dialect);
-            if (key != nullptr && wanted == lowered(key)) {
-                return row;
-            }
+        if (wanted == lower_keys(row).string || wanted == lower_keys(row).file) {
+            return row;
         }
     }
     return -1;
 }
 
 std::optional<Nearest> nearest_key(std::string_view text) {
-    const std::string wanted = lowered(text.substr(0, kLongestName + 1));
+    const std::string wanted = plain_name(text.substr(0, kLongestName + 1));
     Nearest best;
     for (int row = 0; row < android::kSettings; ++row) {
-        const std::string key = lowered(any_spelling(row));
+        const std::string& key = lower_keys(row).any;
         const size_t allowed = allowed_edits(key);
         if (wanted.size() > kLongestName || wanted.size() + allowed < key.size() ||
             key.size() + allowed < wanted.size()) {
@@ -124,19 +154,32 @@ std::optional<Nearest> nearest_key(std::string_view text) {
     return best.row >= 0 ? std::optional(best) : std::nullopt;
 }
 
-std::string unknown_key(std::string_view text) {
-    const std::string wanted = lowered(text.substr(0, kLongestName));
-    const auto closeness = [&wanted](int row) {
-        const std::string key = lowered(any_spelling(row));
-        const bool inside = key.find(wanted) != std::string::npos;
+ClosestKey closest_key(std::string_view text, std::optional<Dialect> dialect) {
+    const std::string wanted = plain_name(text.substr(0, kLongestName));
+    const auto distance = [&wanted](int row) {
+        const std::string& key = lower_keys(row).any;
+        const bool inside = !wanted.empty() && key.find(wanted) != std::string::npos;
         const bool meant = lowered(setting_doc(row).meaning).find(wanted) != std::string::npos;
         return inside ? 0 : meant ? 1 : 1 + edit_distance(wanted, key);
     };
-    int best = 0;
-    for (int row = 1; row < android::kSettings; ++row) {
-        best = closeness(row) < closeness(best) ? row : best;
+    ClosestKey best;
+    size_t least = 0;
+    for (int row = 0; row < android::kSettings; ++row) {
+        if (dialect && spelling(row, *dialect) == nullptr) {
+            continue;
+        }
+        const size_t far = distance(row);
+        if (best.row < 0 || far < least) {
+            best.row = row;
+            least = far;
+        }
     }
-    return shown(text) + " is no key; did you mean " + any_spelling(best) + "?";
+    best.likely = wanted.size() >= 3 && least <= std::max<size_t>(1, wanted.size() / 2);
+    return best;
+}
+
+std::string unknown_key(std::string_view text) {
+    return shown(text) + " is no key; did you mean " + any_spelling(closest_key(text).row) + "?";
 }
 
 KeyGuess guess_key(std::string_view text, Dialect dialect) {

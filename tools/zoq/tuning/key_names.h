@@ -30,6 +30,14 @@ struct Nearest {
 };
 std::optional<Nearest> nearest_key(std::string_view text);  // none when nothing is near
 
+// The row whose spelling holds the text, whose meaning does, or that takes the fewest edits: always one, of the keys of
+// a dialect or of all.
+struct ClosestKey {
+    int row = -1;
+    bool likely = false;  // worth writing instead; otherwise just the nearest one there is
+};
+ClosestKey closest_key(std::string_view text, std::optional<Dialect> dialect = {});
+
 // "'EQ_63hz' is no key; did you mean EQ_62hzgain?"
 std::string unknown_key(std::string_view text);
 

@@ -60,6 +60,20 @@ const char* severity_name(Severity severity) {
     return severity == Severity::kError ? "error" : severity == Severity::kWarning ? "warning" : "note";
 }
 
+// Where the diagnostics are that come first when there is room for some only (0: for all), in their own order.
+std::vector<size_t> most_severe(const std::vector<Diagnostic>& diagnostics, size_t most) {
+    std::vector<size_t> chosen;
+    for (const Severity severity : {Severity::kError, Severity::kWarning, Severity::kNote}) {
+        for (size_t i = 0; i < diagnostics.size() && (most == 0 || chosen.size() < most); ++i) {
+            if (diagnostics[i].severity == severity) {
+                chosen.push_back(i);
+            }
+        }
+    }
+    std::sort(chosen.begin(), chosen.end());
+    return chosen;
+}
+
 std::string spelling_text(int row, Dialect dialect) {
     const char* key = spelling(row, dialect);
     return key != nullptr ? key : "-";
@@ -120,9 +134,8 @@ void print_setting(std::ostream& out, int row) {
 }
 
 void print_diagnostics(std::ostream& out, const CheckResult& result, const std::string& name, size_t most) {
-    const size_t shownCount =
-        most == 0 ? result.diagnostics.size() : std::min(most, result.diagnostics.size());
-    for (size_t i = 0; i < shownCount; ++i) {
+    const std::vector<size_t> chosen = most_severe(result.diagnostics, most);
+    for (const size_t i : chosen) {
         const Diagnostic& diagnostic = result.diagnostics[i];
         out << name << ":" << diagnostic.place.line << ":" << diagnostic.place.column << ": "
             << severity_name(diagnostic.severity) << ": " << diagnostic.message;
@@ -131,8 +144,21 @@ void print_diagnostics(std::ostream& out, const CheckResult& result, const std::
         }
         out << " [" << diagnostic.code << "]\n";
     }
-    if (shownCount < result.diagnostics.size()) {
-        out << name << ": " << result.diagnostics.size() - shownCount << " more\n";
+    size_t left = result.diagnostics.size() - chosen.size(), room = most - std::min(most, chosen.size());
+    for (const IgnoredToken& token : result.ignored) {
+        if (!CheckResult::unread(token)) {
+            continue;
+        }
+        if (most > 0 && room == 0) {
+            ++left;
+            continue;
+        }
+        room -= most > 0 ? 1 : 0;
+        out << name << ":" << token.place.line << ":" << token.place.column
+            << ": warning: " << shown(token.text) << " is not read [" << token.code << "]\n";
+    }
+    if (left > 0) {
+        out << name << ": " << left << " more\n";
     }
 }
 

@@ -15,7 +15,8 @@ void print_settings(std::ostream& out);
 void print_setting(std::ostream& out, int row);
 void print_settings_json(std::ostream& out, int onlyRow = -1);
 
-// name:line:column: severity: message [code]; at most `most` of them, 0 for all.
+// name:line:column: severity: message [code]; at most `most` of them, the errors first, 0 for all;
+// then the words that are not read at all.
 void print_diagnostics(std::ostream& out, const CheckResult& result, const std::string& name, size_t most);
 
 // What the engine stores and the chain uses, setting by setting.

@@ -82,33 +82,49 @@ Json result_settings(const CheckResult& result) {
     return settings;
 }
 
-Json check_json(const CheckResult& result, const std::string& name) {
+Json diagnostic_json(const Diagnostic& diagnostic) {
     static constexpr const char* kSeverities[] = {"note", "warning", "error"};
-    static constexpr const char* kVerdicts[] = {"clean", "warnings", "errors"};
-    Json diagnostics = Json::array(), ignored = Json::array();
-    for (const Diagnostic& diagnostic : result.diagnostics) {
-        diagnostics.push_back({{"severity", kSeverities[static_cast<int>(diagnostic.severity)]},
-                               {"code", diagnostic.code},
-                               {"place", place_json(diagnostic.place)},
-                               {"token", diagnostic.token},
-                               {"message", diagnostic.message},
-                               {"suggestion", diagnostic.suggestion}});
-    }
-    for (const IgnoredToken& token : result.ignored) {
-        ignored.push_back({{"token", token.text}, {"code", token.code}, {"place", place_json(token.place)}});
-    }
-    return {{"name", name},
-            {"bytes", result.bytes},
-            {"bytes_read", result.bytesRead},
-            {"verdict", kVerdicts[result.exit_code()]},
-            {"diagnostics", diagnostics},
-            {"ignored", ignored},
-            {"settings", result_settings(result)}};
+    return {{"severity", kSeverities[static_cast<int>(diagnostic.severity)]},
+            {"code", diagnostic.code},
+            {"place", place_json(diagnostic.place)},
+            {"token", diagnostic.token},
+            {"message", diagnostic.message},
+            {"suggestion", diagnostic.suggestion}};
+}
+
+Json ignored_json(const IgnoredToken& token) {
+    return {{"token", token.text}, {"code", token.code}, {"place", place_json(token.place)}};
+}
+
+// Bytes that are no UTF-8 are replaced, so that the answer can always be read.
+std::string dumped(const Json& json, int indent = -1) {
+    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
 void print(std::ostream& out, const Json& json) {
-    // Bytes that are no UTF-8 are replaced, so that the answer can always be read.
-    out << json.dump(2, ' ', false, Json::error_handler_t::replace) << "\n";
+    out << dumped(json, 2) << "\n";
+}
+
+// An element a line, written as it is made: a text of megabytes has millions of them.
+template <typename Elements, typename ToJson>
+void print_list(std::ostream& out, const char* name, const Elements& elements, ToJson to_json) {
+    out << "  \"" << name << "\": [";
+    const char* between = "\n";
+    for (const auto& element : elements) {
+        out << between << "    " << dumped(to_json(element));
+        between = ",\n";
+    }
+    out << "],\n";
+}
+
+void print_check(std::ostream& out, const CheckResult& result, const std::string& name) {
+    static constexpr const char* kVerdicts[] = {"clean", "warnings", "errors"};
+    out << "{\n  \"name\": " << dumped(name) << ",\n  \"bytes\": " << result.bytes
+        << ",\n  \"bytes_read\": " << result.bytesRead << ",\n  \"verdict\": \""
+        << kVerdicts[result.exit_code()] << "\",\n";
+    print_list(out, "diagnostics", result.diagnostics, diagnostic_json);
+    print_list(out, "ignored", result.ignored, ignored_json);
+    out << "  \"settings\": " << dumped(result_settings(result), 2) << "}";
 }
 
 }  // namespace
@@ -124,11 +140,13 @@ void print_settings_json(std::ostream& out, int onlyRow) {
 }
 
 void print_check_json(std::ostream& out, const std::vector<NamedResult>& results) {
-    Json all = Json::array();
-    for (const NamedResult& checked : results) {
-        all.push_back(check_json(*checked.result, checked.name));
+    const bool list = results.size() > 1;
+    out << (list ? "[" : "");
+    for (size_t i = 0; i < results.size(); ++i) {
+        out << (i > 0 ? ",\n" : "");
+        print_check(out, *results[i].result, results[i].name);
     }
-    print(out, all.size() == 1 ? all[0] : all);
+    out << (list ? "]\n" : "\n");
 }
 
 }  // namespace zoq

@@ -1,0 +1,52 @@
+#include "chain/absurd_settings.h"
+
+#include <algorithm>
+
+#include "dsp/shared_value.h"
+
+namespace android {
+
+namespace {
+
+struct Range {
+    float lo, hi;
+    bool holds(float value) const { return value >= lo && value <= hi; }
+};
+
+// What -200 % and 200 % become in the records.
+constexpr Range kSpeechGain{-3.0f, 5.0f};
+constexpr Range kWidth{-2.0f, 2.0f};
+constexpr Range kBassBoost{-10.0f, 10.0f};
+constexpr Range kTrebleGain{-4.0f, 4.0f};
+constexpr Range kMakeup{1.0f / 126.0f, 126.0f};  // 42 dB either way
+
+constexpr Range kBandGainDb{-200.0f, 48.0f};  // twice +-24 dB; a deeper cut does no harm
+constexpr Range kBandWarp{1e-4f, 1e4f};       // 1.5 Hz .. 1.5 Hz below half the sample rate
+constexpr Range kBandQ{1e-3f, 1e3f};
+
+bool all_within(const float* values, Range range) {
+    return std::all_of(values, values + kGeqBands, [range](float value) { return range.holds(value); });
+}
+
+bool equalizer_absurd(const parameterGEQ& geq) {
+    return !all_within(geq.bandGainDb, kBandGainDb) || !all_within(geq.bandWarp, kBandWarp) ||
+           !kBandQ.holds(geq.bandQ);
+}
+
+}  // namespace
+
+bool headphone_settings_absurd(const parameterDEN& den, const parameterX2B& x2b, const parameterGEQ& geq) {
+    return !kSpeechGain.holds(load_shared(den.centerSpeechGain)) ||
+           !kWidth.holds(load_shared(x2b.surroundWidth)) || !kMakeup.holds(x2b.headphoneDrc.compMakeup) ||
+           equalizer_absurd(geq);
+}
+
+bool speaker_settings_absurd(const parameterDEN& den, const parameterTWS& tws, const parameterEQ& eq,
+                             const parameterDRC& drc, const parameterVB& vb, const parameterGEQ& geq) {
+    return !kSpeechGain.holds(load_shared(den.centerSpeechGain)) ||
+           !kWidth.holds(load_shared(tws.stereoWidth)) || !kTrebleGain.holds(load_shared(eq.trebleGain)) ||
+           !kMakeup.holds(drc.compMakeup) || !kBassBoost.holds(load_shared(vb.boostLin)) ||
+           equalizer_absurd(geq);
+}
+
+}  // namespace android

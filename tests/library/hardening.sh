@@ -1,0 +1,27 @@
+#!/bin/sh
+# How the shipped file is linked: what it needs, and that no memory is both writable and executable.
+#   hardening.sh READELF LIBRARY NEEDED...      (file names without what follows ".so")
+set -eu
+readelf=$1 library=$2
+shift 2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failed=0
+fault() { echo "$library: $1"; failed=1; }
+
+"$readelf" -dW "$library" >"$work/dynamic"
+"$readelf" -lW "$library" >"$work/segments"
+
+printf '%s\n' "$@" | sort >"$work/lawful"
+sed -nE 's/.*\(NEEDED\).*\[(lib[^]]*|ld-linux[^]]*)\.so.*/\1/p' "$work/dynamic" | sort >"$work/needed"
+diff -u --label lawful --label needed "$work/lawful" "$work/needed" || fault "needs other libraries than it may"
+
+grep -q 'SONAME.*\[libzoq2processing\.so\]' "$work/dynamic" || fault "is not named as phones load it"
+! grep -Eq 'TEXTREL' "$work/dynamic" || fault "has text relocations"
+! grep -Eq 'RPATH|RUNPATH' "$work/dynamic" || fault "has a search path of its own"
+grep -Eq '\(FLAGS_1\).* NOW' "$work/dynamic" || fault "binds lazily"
+grep -q 'GNU_RELRO' "$work/segments" || fault "leaves its relocations writable"
+grep -Eq 'GNU_STACK .* RW +0x' "$work/segments" || fault "asks for an executable stack"
+! grep -Eq 'LOAD .* RWE ' "$work/segments" || fault "has memory that can be written and executed"
+
+[ "$failed" -eq 0 ] && echo "needs $*; relocations read-only, stack not executable"

@@ -1,0 +1,139 @@
+#include "tests/library/interposed_calls.h"
+
+#include <dlfcn.h>
+#include <pthread.h>
+#include <semaphore.h>
+#include <sys/time.h>
+#include <cerrno>
+#include <cstddef>
+#include <ctime>
+
+namespace interposed {
+thread_local bool counting = false;
+thread_local Calls calls;
+}  // namespace interposed
+
+using interposed::calls;
+using interposed::counting;
+
+namespace {
+
+// The C library's own function behind one of the names defined here.
+template <typename Function>
+Function* next(Function*& known, const char* name) {
+    if (known == nullptr) {
+        known = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+    }
+    return known;
+}
+
+void note(int& count) {
+    count += counting ? 1 : 0;
+}
+
+}  // namespace
+
+extern "C" {
+
+void* __libc_malloc(size_t);
+void* __libc_calloc(size_t, size_t);
+void* __libc_realloc(void*, size_t);
+void* __libc_memalign(size_t, size_t);
+void __libc_free(void*);
+
+void* malloc(size_t size) noexcept {
+    note(calls.allocations);
+    return __libc_malloc(size);
+}
+
+void* calloc(size_t count, size_t size) noexcept {
+    note(calls.allocations);
+    return __libc_calloc(count, size);
+}
+
+void* realloc(void* block, size_t size) noexcept {
+    note(calls.allocations);
+    return __libc_realloc(block, size);
+}
+
+void* aligned_alloc(size_t alignment, size_t size) noexcept {
+    note(calls.allocations);
+    return __libc_memalign(alignment, size);
+}
+
+void* memalign(size_t alignment, size_t size) noexcept {
+    return aligned_alloc(alignment, size);
+}
+
+int posix_memalign(void** block, size_t alignment, size_t size) noexcept {
+    *block = aligned_alloc(alignment, size);
+    return *block != nullptr ? 0 : ENOMEM;
+}
+
+void free(void* block) noexcept {
+    note(calls.frees);
+    __libc_free(block);
+}
+
+int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
+    static int (*known)(pthread_mutex_t*);
+    note(calls.mutexLocks);
+    calls.lockedMutex = counting ? mutex : calls.lockedMutex;
+    return next(known, "pthread_mutex_lock")(mutex);
+}
+
+int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
+    static int (*known)(pthread_mutex_t*);
+    note(calls.mutexUnlocks);
+    return next(known, "pthread_mutex_unlock")(mutex);
+}
+
+// Forwards a function of one argument that counts as another lock.
+#define ZOQ_OTHER_LOCK(name, Type, exception) \
+    int name(Type* object) exception {        \
+        static int (*known)(Type*);           \
+        note(calls.otherLocks);               \
+        return next(known, #name)(object);    \
+    }
+ZOQ_OTHER_LOCK(pthread_mutex_trylock, pthread_mutex_t, noexcept)
+ZOQ_OTHER_LOCK(pthread_rwlock_rdlock, pthread_rwlock_t, noexcept)
+ZOQ_OTHER_LOCK(pthread_rwlock_wrlock, pthread_rwlock_t, noexcept)
+ZOQ_OTHER_LOCK(pthread_rwlock_unlock, pthread_rwlock_t, noexcept)
+ZOQ_OTHER_LOCK(pthread_cond_signal, pthread_cond_t, noexcept)
+ZOQ_OTHER_LOCK(pthread_cond_broadcast, pthread_cond_t, noexcept)
+ZOQ_OTHER_LOCK(sem_post, sem_t, noexcept)
+ZOQ_OTHER_LOCK(sem_wait, sem_t, )
+ZOQ_OTHER_LOCK(sem_trywait, sem_t, noexcept)
+#undef ZOQ_OTHER_LOCK
+
+int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
+    static int (*known)(pthread_cond_t*, pthread_mutex_t*);
+    note(calls.otherLocks);
+    return next(known, "pthread_cond_wait")(condition, mutex);
+}
+
+int pthread_once(pthread_once_t* once, void (*initialise)()) {
+    static int (*known)(pthread_once_t*, void (*)());
+    note(calls.otherLocks);
+    return next(known, "pthread_once")(once, initialise);
+}
+
+int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    static int (*known)(clockid_t, timespec*);
+    note(calls.clocks);
+    return next(known, "clock_gettime")(clock, time);
+}
+
+int gettimeofday(timeval* time, void* zone) noexcept {
+    static int (*known)(timeval*, void*);
+    note(calls.clocks);
+    return next(known, "gettimeofday")(time, zone);
+}
+
+time_t time(time_t* seconds) noexcept {
+    static time_t (*known)(time_t*);
+    note(calls.clocks);
+    return next(known, "time")(seconds);
+}
+
+}  // extern "C"

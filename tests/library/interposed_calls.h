@@ -1,0 +1,18 @@
+// Calls that have no place on an audio thread, counted while the calling thread has counting switched on: the
+// program defines the functions itself, so the library's calls arrive here first.
+#pragma once
+
+namespace interposed {
+
+struct Calls {
+    int allocations, frees;        // malloc and its relatives, whatever operator new is built on
+    int mutexLocks, mutexUnlocks;  // pthread_mutex_lock and _unlock
+    const void* lockedMutex;       // the last one
+    int otherLocks;                // tries, read-write locks, conditions, spin locks, semaphores, once
+    int clocks;                    // clocks answer without a system call
+};
+
+extern thread_local bool counting;
+extern thread_local Calls calls;
+
+}  // namespace interposed

@@ -1,0 +1,31 @@
+// What a host does while it plays: block sizes, rate, output device, volume, processing and settings over time.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zoq {
+
+// One thing that changes, at a time in seconds of playback.
+struct HostEvent {
+    double seconds;
+    std::string key;    // block, rate, device, route, volume, processing, or a setting of parameter strings
+    std::string value;  // block: "480" or "480,512", sizes that take turns
+};
+
+// Seconds, and "KEY=VALUE;...". Throws UsageFailure for a key, a value or a time that is none.
+using TimedHostText = std::pair<double, std::string>;
+std::vector<HostEvent> host_events(const std::vector<TimedHostText>& texts);
+
+// Lines of "SECONDS KEY=VALUE;...", remarks behind '#'. Throws UsageFailure.
+std::vector<TimedHostText> read_schedule(const std::string& text, const std::string& name);
+
+// "480,512" as numbers of 1..18432; empty when the text is none such.
+std::vector<int> block_sizes(const std::string& text);
+
+// A number in decimal, or in hexadecimal behind "0x"; -1 when the text is none.
+int64_t device_mask(const std::string& text);
+
+}  // namespace zoq
