@@ -309,24 +309,41 @@ struct ComplexLanes {
     Lanes re, im;
 };
 
-// load_complex and store_complex: from and to interleaved re, im. Lane i holds value kLaneOrder[i]; for eight lanes
-// this order saves the exchange between the halves.
-#if ZOQ_LANES == 8
+// load_complex and store_complex: from and to interleaved re, im.
+#if ZOQ_LANES == 4
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load(x), b = load(x + 4);
+    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store(y, zip_lower(z.re, z.im, LaneIndices()));
+    store(y + 4, zip_upper(z.re, z.im, LaneIndices()));
+}
+#elif ZOQ_LANES == 8
+// A half at a time goes from and to memory without a shuffle.
 typedef float FourFloats __attribute__((vector_size(16), may_alias));
-constexpr int kLaneOrder[kLanes] = {0, 1, 4, 5, 2, 3, 6, 7};
+typedef float UnalignedFourFloats __attribute__((vector_size(16), aligned(4), may_alias));
 
-ZOQ_INLINE Lanes in_lane_order(Lanes a) {
-    return shuffle<0, 1, 4, 5, 2, 3, 6, 7>(a, a);
+ZOQ_INLINE Lanes join_halves(FourFloats lower, FourFloats upper) {
+    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+ZOQ_INLINE Lanes load_halves(const float* lower, const float* upper) {
+    return join_halves(*reinterpret_cast<const UnalignedFourFloats*>(lower),
+                       *reinterpret_cast<const UnalignedFourFloats*>(upper));
+}
+ZOQ_INLINE void store_halves(float* lower, float* upper, Lanes a) {
+    *reinterpret_cast<UnalignedFourFloats*>(lower) = __builtin_shufflevector(a, a, 0, 1, 2, 3);
+    *reinterpret_cast<UnalignedFourFloats*>(upper) = __builtin_shufflevector(a, a, 4, 5, 6, 7);
+}
+ZOQ_INLINE ComplexLanes load_complex(const float* x) {
+    const Lanes a = load_halves(x, x + 8), b = load_halves(x + 4, x + 12);
+    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
+}
+ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
+    store_halves(y, y + 8, zip_lower(z.re, z.im, LaneIndices()));
+    store_halves(y + 4, y + 12, zip_upper(z.re, z.im, LaneIndices()));
 }
 #else
-constexpr int kLaneOrder[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
-
-ZOQ_INLINE Lanes in_lane_order(Lanes a) {
-    return a;
-}
-#endif
-
-#if ZOQ_LANES == 16
 ZOQ_INLINE ComplexLanes load_complex(const float* x) {
     const Lanes a = load(x), b = load(x + 16);
     return {shuffle<0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30>(a, b),
@@ -335,15 +352,6 @@ ZOQ_INLINE ComplexLanes load_complex(const float* x) {
 ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
     store(y, shuffle<0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23>(z.re, z.im));
     store(y + 16, shuffle<8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31>(z.re, z.im));
-}
-#else
-ZOQ_INLINE ComplexLanes load_complex(const float* x) {
-    const Lanes a = load(x), b = load(x + kLanes);
-    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
-}
-ZOQ_INLINE void store_complex(float* y, ComplexLanes z) {
-    store(y, zip_lower(z.re, z.im, LaneIndices()));
-    store(y + kLanes, zip_upper(z.re, z.im, LaneIndices()));
 }
 #endif
 
