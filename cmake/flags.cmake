@@ -37,6 +37,11 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
       $<$<CXX_COMPILER_ID:GNU>:-mno-fma>)
 endif()
 
+# Long straight code in vectors gains where it is ordered with an eye to the registers, which GCC leaves out on x86.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$" AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  set(ZOQ_KERNEL_FLAGS -fschedule-insns -fsched-pressure -frename-registers)
+endif()
+
 # Adds to a list of sources each kernel file once per level, as a small file that says the lanes and includes it.
 #   zoq_kernels(<list> <name>_lanes.cpp...)
 function(zoq_kernels list)
@@ -46,7 +51,7 @@ function(zoq_kernels list)
       string(REPLACE ".cpp" "${lanes}.cpp" instance "${CMAKE_CURRENT_BINARY_DIR}/${file}")
       file(CONFIGURE OUTPUT "${instance}"
            CONTENT "#define ZOQ_LANES ${lanes}\n#include \"${CMAKE_CURRENT_SOURCE_DIR}/${file}\"\n")
-      set_source_files_properties("${instance}" PROPERTIES COMPILE_OPTIONS "${ZOQ_KERNEL_FLAGS_${lanes}}")
+      set_source_files_properties("${instance}" PROPERTIES COMPILE_OPTIONS "${ZOQ_KERNEL_FLAGS};${ZOQ_KERNEL_FLAGS_${lanes}}")
       list(APPEND sources "${instance}")
     endforeach()
   endforeach()

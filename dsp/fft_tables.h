@@ -14,6 +14,10 @@ extern const float kTwiddleInverseSin[kBins];  // +sin(2 pi j / 1024)
 extern const float kStageCos[kFrameSamples];
 extern const float kStageSin[kFrameSamples];
 
+// The same with the two middle pairs of each eight exchanged (0 1 4 5 2 3 6 7); entries below 8 are not used.
+extern const float kStageCosInPairs[kFrameSamples];
+extern const float kStageSinInPairs[kFrameSamples];
+
 extern const float kSineWindow[kFrameSamples];  // sin(pi n / 1024); squares a half frame apart sum to 1
 
 }  // namespace android

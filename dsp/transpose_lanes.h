@@ -1,4 +1,4 @@
-// The transposition of kLanes x kLanes floats on their way from memory into registers, for kernels.
+// Rows and columns of kLanes x kLanes complex values: between memory and lanes, and from rows to columns.
 #pragma once
 
 #include "dsp/lanes.h"
@@ -43,35 +43,87 @@ ZOQ_INLINE Lanes odd_quarters(Lanes a, Lanes b) {
 }
 #endif
 
-// Reads kLanes rows of one vector each, stride vectors apart: column[i] receives lane i of every row.
-ZOQ_INLINE void load_transposed(const Lanes* rows, int stride, Lanes* column) {
+// Lane kLaneOrder[i] of a vector of complex values in rows and columns holds the value i of the row: with eight lanes
+// an order in which they come from interleaved re, im, and go there, without an exchange between the halves.
 #if ZOQ_LANES == 8
-    ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
-        const auto* a = reinterpret_cast<const FourFloats*>(rows + k * stride);
-        const auto* b = reinterpret_cast<const FourFloats*>(rows + (4 + k) * stride);
-        column[k] = join_halves(a[0], b[0]);
-        column[4 + k] = join_halves(a[1], b[1]);
-    }
+constexpr int kLaneOrder[kLanes] = {0, 1, 4, 5, 2, 3, 6, 7};
+
+ZOQ_INLINE Lanes in_lane_order(Lanes a) {
+    return shuffle<0, 1, 4, 5, 2, 3, 6, 7>(a, a);
+}
+ZOQ_INLINE ComplexLanes load_ordered(const float* x) {
+    const Lanes a = load(x), b = load(x + kLanes);
+    return {even_in_quarters(a, b, LaneIndices()), odd_in_quarters(a, b, LaneIndices())};
+}
+ZOQ_INLINE void store_ordered(float* y, ComplexLanes z) {
+    store(y, zip_lower(z.re, z.im, LaneIndices()));
+    store(y + kLanes, zip_upper(z.re, z.im, LaneIndices()));
+}
 #else
-    ZOQ_UNROLL for (int k = 0; k < kLanes; ++k) {
-        column[k] = rows[k * stride];
-    }
+constexpr int kLaneOrder[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+
+ZOQ_INLINE Lanes in_lane_order(Lanes a) {
+    return a;
+}
+ZOQ_INLINE ComplexLanes load_ordered(const float* x) {
+    return load_complex(x);
+}
+ZOQ_INLINE void store_ordered(float* y, ComplexLanes z) {
+    store_complex(y, z);
+}
 #endif
+
+// Lane `first` + k of kLanes rows becomes vector k, for kColumnsAtOnce of them; the rows stand in the order of the
+// lanes, too.
+#if ZOQ_LANES == 8
+// Half of the columns need half of the registers, and a half of a vector is read from memory without a shuffle.
+constexpr int kColumnsAtOnce = 4;
+
+ZOQ_INLINE void load_columns(const ComplexLanes* rows, int first, ComplexLanes* column) {
+    Lanes re[4], im[4];
+    ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
+        const auto* lower = reinterpret_cast<const FourFloats*>(rows + kLaneOrder[k]) + first / 4;
+        const auto* upper = reinterpret_cast<const FourFloats*>(rows + kLaneOrder[4 + k]) + first / 4;
+        re[k] = join_halves(lower[0], upper[0]);
+        im[k] = join_halves(lower[2], upper[2]);
+    }
+    transpose_quarters(re);
+    transpose_quarters(im);
+    ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
+        column[k] = {re[k], im[k]};
+    }
+}
+#else
+constexpr int kColumnsAtOnce = kLanes;
+
+ZOQ_INLINE void transpose(Lanes* v) {
     ZOQ_UNROLL for (int k = 0; k < kLanes; k += 4) {
-        transpose_quarters(column + k);
+        transpose_quarters(v + k);
     }
 #if ZOQ_LANES == 16
     ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
-        const Lanes a = lower_halves(column[k], column[4 + k]),
-                    b = lower_halves(column[8 + k], column[12 + k]);
-        const Lanes c = upper_halves(column[k], column[4 + k]),
-                    d = upper_halves(column[8 + k], column[12 + k]);
-        column[k] = even_quarters(a, b);
-        column[4 + k] = odd_quarters(a, b);
-        column[8 + k] = even_quarters(c, d);
-        column[12 + k] = odd_quarters(c, d);
+        const Lanes a = lower_halves(v[k], v[4 + k]), b = lower_halves(v[8 + k], v[12 + k]);
+        const Lanes c = upper_halves(v[k], v[4 + k]), d = upper_halves(v[8 + k], v[12 + k]);
+        v[k] = even_quarters(a, b);
+        v[4 + k] = odd_quarters(a, b);
+        v[8 + k] = even_quarters(c, d);
+        v[12 + k] = odd_quarters(c, d);
     }
 #endif
 }
+
+ZOQ_INLINE void load_columns(const ComplexLanes* rows, int, ComplexLanes* column) {
+    Lanes re[kLanes], im[kLanes];
+    ZOQ_UNROLL for (int k = 0; k < kLanes; ++k) {
+        re[k] = rows[k].re;
+        im[k] = rows[k].im;
+    }
+    transpose(re);
+    transpose(im);
+    ZOQ_UNROLL for (int k = 0; k < kLanes; ++k) {
+        column[k] = {re[k], im[k]};
+    }
+}
+#endif
 
 }  // namespace android::ZOQ_LEVEL

@@ -32,6 +32,11 @@ int twiddle_of_stage(int entry) {
     return (entry - span) * (kFrameSamples / 2 / std::max(span, 1));
 }
 
+// Bits 1 and 2 exchanged.
+int middle_pairs_exchanged(int entry) {
+    return (entry & ~6) | (entry & 2) << 1 | (entry & 4) >> 1;
+}
+
 struct Table {
     const char* declaration;
     int size;
@@ -45,6 +50,10 @@ constexpr Table kTables[] = {
     {"kStageCos[kFrameSamples]", kFrameSamples, [](int entry) { return cosine(twiddle_of_stage(entry)); }},
     {"kStageSin[kFrameSamples]", kFrameSamples,
      [](int entry) { return 0.0 - sine(twiddle_of_stage(entry)); }},
+    {"kStageCosInPairs[kFrameSamples]", kFrameSamples,
+     [](int entry) { return cosine(twiddle_of_stage(middle_pairs_exchanged(entry))); }},
+    {"kStageSinInPairs[kFrameSamples]", kFrameSamples,
+     [](int entry) { return 0.0 - sine(twiddle_of_stage(middle_pairs_exchanged(entry))); }},
     {"kSineWindow[kFrameSamples]", kFrameSamples,
      [](int n) { return std::sin(std::numbers::pi * n / kFrameSamples); }},
 };

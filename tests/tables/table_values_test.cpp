@@ -33,11 +33,23 @@ TEST(TransformTables, AreTheNearestFloats) {
         EXPECT_EQ(kTwiddleInverseSin[j], half ? 0.0f : float(std::sin(angle))) << j;
         EXPECT_EQ(kTwiddleForwardSin[j], -kTwiddleInverseSin[j]) << j;
     }
+    // The quick forms of the products with multiples of an eighth of a turn rest on this.
+    const float root = 0.70710677f;
+    EXPECT_TRUE(kTwiddleCos[128] == root && kTwiddleForwardSin[128] == -root);
+    EXPECT_TRUE(kTwiddleCos[384] == -root && kTwiddleForwardSin[384] == -root);
+    EXPECT_TRUE(kTwiddleCos[256] == 0.0f && !std::signbit(kTwiddleCos[256]) && kTwiddleForwardSin[256] == -1.0f);
     for (int span = 1; span < kFrameSamples; span *= 2) {
         for (int offset = 0; offset < span; ++offset) {
             EXPECT_EQ(kStageCos[span + offset], kTwiddleCos[offset * (512 / span)]) << span << " " << offset;
             EXPECT_EQ(kStageSin[span + offset], kTwiddleForwardSin[offset * (512 / span)])
                 << span << " " << offset;
+        }
+    }
+    for (int eight = 8; eight < kFrameSamples; eight += 8) {
+        for (int i = 0; i < 8; ++i) {
+            constexpr int kOrder[] = {0, 1, 4, 5, 2, 3, 6, 7};
+            EXPECT_EQ(kStageCosInPairs[eight + i], kStageCos[eight + kOrder[i]]);
+            EXPECT_EQ(kStageSinInPairs[eight + i], kStageSin[eight + kOrder[i]]);
         }
     }
     for (int n = 0; n < kFrameSamples; ++n) {

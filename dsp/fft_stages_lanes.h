@@ -1,0 +1,255 @@
+// The stages of the fast transforms: 1024 points as kRows rows of one vector each.
+//
+// In bit-reversed order the first stages join values of whole rows, so that a column of lanes runs through them with
+// one broadcast twiddle per row; no value moves, since the order is that in which the rows are read. The last stages
+// join what lies in different lanes: after a transposition in registers they run across vectors, with twiddles side by
+// side. Real and imaginary parts are kept apart throughout.
+#pragma once
+
+#include "dsp/fft_tables.h"
+#include "dsp/transpose_lanes.h"
+
+namespace android::ZOQ_LEVEL {
+
+constexpr int kRows = kFrameSamples / kLanes;
+
+ZOQ_INLINE ComplexLanes product(ComplexLanes w, ComplexLanes x) {
+    return {subtract_product(w.re * x.re, w.im, x.im), add_product(w.im * x.re, w.re, x.im)};
+}
+
+// Twiddles whose products are known or are known to agree save multiplications, but none that decides the sign of a
+// zero. The twiddle 1 is not multiplied at all.
+struct Unit {};
+struct QuarterTurn {};   // -j
+struct EighthTurn {};    // (1 - j) sqrt(1/2)
+struct ThreeEighths {};  // (-1 - j) sqrt(1/2)
+
+constexpr float kRootHalf = 0.70710677f;
+
+ZOQ_INLINE ComplexLanes product(Unit, ComplexLanes x) {
+    return x;
+}
+ZOQ_INLINE ComplexLanes product(QuarterTurn, ComplexLanes x) {
+    const Lanes zero = broadcast(0.0f);
+    return {zero * x.re + x.im, zero * x.im - x.re};
+}
+ZOQ_INLINE ComplexLanes product(EighthTurn, ComplexLanes x) {
+    const Lanes root = broadcast(kRootHalf), re = root * x.re, im = root * x.im;
+    return {re + im, im - re};
+}
+ZOQ_INLINE ComplexLanes product(ThreeEighths, ComplexLanes x) {
+    const Lanes re = broadcast(-kRootHalf) * x.re, im = broadcast(kRootHalf) * x.im;
+    return {re + im, re - im};
+}
+
+template <typename Twiddle>
+ZOQ_INLINE void butterfly(ComplexLanes& upper, ComplexLanes& lower, Twiddle w) {
+    const ComplexLanes t = product(w, lower);
+    lower = {upper.re - t.re, upper.im - t.im};
+    upper = {upper.re + t.re, upper.im + t.im};
+}
+
+// The twiddle of the rows `offset` of blocks of 2 x span rows, in all lanes.
+ZOQ_INLINE ComplexLanes row_twiddle(int span, int offset) {
+    return {broadcast(kStageCos[span + offset]), broadcast(kStageSin[span + offset])};
+}
+
+// The twiddles of up to three stages on rows `span` apart, for the first rows of blocks and for rows `offset`.
+struct TwiddlesAtStart {
+    Unit first, second0;
+    QuarterTurn second1;
+    Unit third0;
+    EighthTurn third1;
+    QuarterTurn third2;
+    ThreeEighths third3;
+};
+struct TwiddlesAt {
+    ComplexLanes first, second0, second1, third0, third1, third2, third3;
+};
+ZOQ_INLINE TwiddlesAt twiddles_at(int span, int offset) {
+    return {row_twiddle(span, offset),
+            row_twiddle(2 * span, offset),
+            row_twiddle(2 * span, offset + span),
+            row_twiddle(4 * span, offset),
+            row_twiddle(4 * span, offset + span),
+            row_twiddle(4 * span, offset + 2 * span),
+            row_twiddle(4 * span, offset + 3 * span)};
+}
+
+template <typename Twiddles>
+ZOQ_INLINE void two_stages(ComplexLanes* z, Twiddles w) {
+    butterfly(z[0], z[1], w.first);
+    butterfly(z[2], z[3], w.first);
+    butterfly(z[0], z[2], w.second0);
+    butterfly(z[1], z[3], w.second1);
+}
+
+template <typename Twiddles>
+ZOQ_INLINE void third_stage(ComplexLanes* z, Twiddles w) {
+    butterfly(z[0], z[4], w.third0);
+    butterfly(z[1], z[5], w.third1);
+    butterfly(z[2], z[6], w.third2);
+    butterfly(z[3], z[7], w.third3);
+}
+
+constexpr int reversed(int value, int count) {
+    int result = 0;
+    for (int rest = value, bit = 1; bit < count; bit *= 2, rest /= 2) {
+        result = 2 * result + rest % 2;
+    }
+    return result;
+}
+
+// The numbers 0 to kCount - 1 with their bits reversed.
+template <int kCount>
+struct Reversed {
+    uint8_t of[kCount];
+    constexpr Reversed() : of() {
+        for (int i = 0; i < kCount; ++i) {
+            of[i] = uint8_t(reversed(i, kCount));
+        }
+    }
+};
+constexpr Reversed<kRows> kReversedRow;
+constexpr Reversed<kLanes> kReversedLane;
+constexpr Reversed<8> kReversedOf8;
+
+// The first three stages.
+template <typename Source>
+ZOQ_INLINE void first_stages(Source source, ComplexLanes* rows) {
+    const TwiddlesAtStart w;
+    for (int i = 0; i < kRows; i += 8) {
+        ComplexLanes z[8];
+        ZOQ_UNROLL for (int k = 0; k < 8; k += 4) {
+            ZOQ_UNROLL for (int l = k; l < k + 4; ++l) {
+                z[l] = source.row(kReversedRow.of[i] + kReversedOf8.of[l] * (kRows / 8));
+            }
+            two_stages(z + k, w);
+        }
+        third_stage(z, w);
+        ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
+            rows[i + k] = z[k];
+        }
+    }
+}
+
+// Two further stages, on the rows `offset` of all blocks.
+template <typename Twiddles>
+ZOQ_INLINE void two_stages_at(ComplexLanes* rows, int span, int offset, Twiddles w) {
+    for (int i = offset; i < kRows; i += 4 * span) {
+        ComplexLanes z[4];
+        ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
+            z[k] = rows[i + k * span];
+        }
+        two_stages(z, w);
+        ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
+            rows[i + k * span] = z[k];
+        }
+    }
+}
+
+ZOQ_INLINE void next_two_stages(ComplexLanes* rows, int span) {
+    two_stages_at(rows, span, 0, TwiddlesAtStart());
+    for (int offset = 1; offset < span; ++offset) {
+        two_stages_at(rows, span, offset, twiddles_at(span, offset));
+    }
+}
+
+#if ZOQ_LANES != 8
+// Three further stages.
+template <typename Twiddles>
+ZOQ_INLINE void three_stages_at(ComplexLanes* rows, int span, int offset, Twiddles w) {
+    for (int i = offset; i < kRows; i += 8 * span) {
+        ComplexLanes z[8];
+        ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
+            z[k] = rows[i + k * span];
+        }
+        two_stages(z, w);
+        two_stages(z + 4, w);
+        third_stage(z, w);
+        ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
+            rows[i + k * span] = z[k];
+        }
+    }
+}
+
+ZOQ_INLINE void next_three_stages(ComplexLanes* rows, int span) {
+    three_stages_at(rows, span, 0, TwiddlesAtStart());
+    for (int offset = 1; offset < span; ++offset) {
+        three_stages_at(rows, span, offset, twiddles_at(span, offset));
+    }
+}
+#endif
+
+// The rest of the stages on whole rows.
+[[gnu::noinline]] void middle_stages(ComplexLanes* rows) {
+#if ZOQ_LANES == 4
+    next_three_stages(rows, 8);
+    next_two_stages(rows, 64);
+#elif ZOQ_LANES == 8
+    next_two_stages(rows, 8);
+    next_two_stages(rows, 32);
+#else
+    next_three_stages(rows, 8);
+#endif
+}
+
+// The twiddles of a stage in the order of the lanes.
+#if ZOQ_LANES == 8
+constexpr const float *kCos = kStageCosInPairs, *kSin = kStageSinInPairs;
+#else
+constexpr const float *kCos = kStageCos, *kSin = kStageSin;
+#endif
+
+// Joins vectors of values `span` rows apart, with the twiddles of the rows `offset` x kRows + i and following.
+template <bool kFirst>
+ZOQ_INLINE void butterfly_across(ComplexLanes& upper, ComplexLanes& lower, int span, int offset, int i) {
+    const int entry = (span + offset) * kRows + i;
+    const ComplexLanes w{load(kCos + entry), load(kSin + entry)};
+    ComplexLanes t = product(w, lower);
+    if (kFirst && offset == 0) {
+        const IntLanes one = lane_numbers() == 0;  // the lane whose twiddle is 1
+        t = {select(one, lower.re, t.re), select(one, lower.im, t.im)};
+    }
+    lower = {upper.re - t.re, upper.im - t.im};
+    upper = {upper.re + t.re, upper.im + t.im};
+}
+
+// The stages on vectors from `span` kSpan on, all but the last.
+template <int kSpan, bool kFirst>
+ZOQ_INLINE void stages_across(ComplexLanes* z, int i) {
+    if constexpr (kSpan < kLanes / 2) {
+        ZOQ_UNROLL for (int k = 0; k < kLanes / 2; ++k) {
+            const int upper = k / kSpan * 2 * kSpan + k % kSpan;
+            butterfly_across<kFirst>(z[upper], z[upper + kSpan], kSpan, k % kSpan, i);
+        }
+        stages_across<2 * kSpan, kFirst>(z, i);
+    }
+}
+
+// The last stages of the rows i to i + kLanes - 1 and of what they become: z[b] holds the values b x kRows + i and
+// following.
+template <bool kFirst, typename Sink>
+ZOQ_INLINE void last_stages_at(const ComplexLanes* rows, int i, Sink sink) {
+    constexpr int kGroups = kLanes / kColumnsAtOnce, kHalf = kLanes / 2;
+    ComplexLanes z[kLanes];
+    ZOQ_UNROLL for (int g = 0; g < kGroups; ++g) {
+        ComplexLanes column[kColumnsAtOnce];
+        load_columns(rows + i, g * kColumnsAtOnce, column);
+        ZOQ_UNROLL for (int k = 0; k < kColumnsAtOnce; ++k) {
+            z[kReversedLane.of[kLaneOrder[g * kColumnsAtOnce + k]]] = column[k];
+        }
+        // A column and the one half a row further on, which is in the same group, are neighbours now.
+        ZOQ_UNROLL for (int k = g; k < kHalf; k += kGroups) {
+            butterfly_across<kFirst>(z[2 * k], z[2 * k + 1], 1, 0, i);
+        }
+    }
+    stages_across<2, kFirst>(z, i);
+    ZOQ_UNROLL for (int b = 0; b < kHalf; ++b) {
+        butterfly_across<kFirst>(z[b], z[b + kHalf], kHalf, b, i);
+        sink.put(b * kRows + i, z[b]);
+        sink.put((b + kHalf) * kRows + i, z[b + kHalf]);
+    }
+}
+
+}  // namespace android::ZOQ_LEVEL
