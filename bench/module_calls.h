@@ -48,7 +48,10 @@ class Material {
 };
 
 struct Rig {
-    Rig() {
+    Rig() { initialize(); }
+
+    // The records and the modules' state, which are one for everyone.
+    void initialize() {
         using namespace android;
         stereoWidening_initialization(80.0f, &b_parameterDEN, &b_parameterTWS, &b_parameterEQ,
                                       &b_parameterDRC, &b_parameterVB, &b_parameterX2B, &b_parameterGEQ);
