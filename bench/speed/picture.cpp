@@ -36,7 +36,8 @@ void draw(const Speed& speed, const Machine& machine, const std::string& path) {
     write_times(script, speed);
     script
         << "set title " << zoq::gnuplot_text("time per hop, " + machine.processor + ", " + machine.compiler)
-        << "\nset ylabel 'microseconds, logarithmic'\nset logscale y\nset grid ytics\nset key top right\n"
+        << "\nset ylabel 'microseconds, logarithmic'\nset logscale y\nset yrange [0.5:*]\nset grid "
+           "ytics\nset key top right\n"
            "set style data histograms\nset style histogram clustered gap 1\nset style fill solid noborder\n"
            "plot";
     for (size_t i = 0; i < levels().size(); ++i) {

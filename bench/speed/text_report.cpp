@@ -10,7 +10,7 @@ namespace {
 
 using android::KernelLevel;
 
-constexpr int kRatioWidth = 20, kTimeWidth = 9;
+constexpr size_t kNameWidth = 30, kRatioWidth = 22, kTimeWidth = 9;
 
 std::string padded(const std::string& text, size_t width) {
     return text + std::string(text.size() < width ? width - text.size() : 0, ' ');
@@ -35,7 +35,7 @@ std::string judged(double value, double most) {
 std::string line(const std::vector<std::string>& first, const std::vector<std::string>& rest, size_t width) {
     std::string text = "|";
     for (const std::string& value : first) {
-        text += " " + padded(value, 29) + " |";
+        text += " " + padded(value, kNameWidth) + " |";
     }
     for (const std::string& value : rest) {
         text += " " + padded(value, width) + " |";

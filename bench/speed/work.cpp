@@ -96,14 +96,21 @@ void append_grid(std::vector<Candidate>& candidates) {
         magnitudes[k] = 1e-4f * float(k + 1);
         exponents[k] = -0.01f * float(k);
     }
+    static const Call logarithms = [] {
+        std::copy_n(magnitudes, kGridPoints, y);
+        b_log10(y);
+    };
+    static const Call powers = [] { power(10.0f, exponents, y); };
+    static const Call both = [] {
+        logarithms();
+        powers();
+    };
     append(
-        candidates, kLogarithms, kSmallCalls, [] {},
-        [] {
-            std::copy_n(magnitudes, kGridPoints, y);
-            b_log10(y);
-        });
+        candidates, kCurves, kSmallCalls, [] {}, both);
     append(
-        candidates, kPowers, kSmallCalls, [] {}, [] { power(10.0f, exponents, y); });
+        candidates, kLogarithms, kSmallCalls, [] {}, logarithms);
+    append(
+        candidates, kPowers, kSmallCalls, [] {}, powers);
 }
 
 }  // namespace

@@ -9,8 +9,8 @@ namespace bench {
 
 // Names of candidates.
 inline constexpr char kTransform[] = "transform", kLogarithms[] = "logarithms", kPowers[] = "powers",
-                      kBinaural[] = "binaural", kEqualizer[] = "geq", kLoudspeaker[] = "hop, loudspeaker",
-                      kHeadphones[] = "hop, headphones",
+                      kCurves[] = "logarithms and powers", kBinaural[] = "binaural", kEqualizer[] = "geq",
+                      kLoudspeaker[] = "hop, loudspeaker", kHeadphones[] = "hop, headphones",
                       kLoudspeakerSilence[] = "silence behind it, loudspeaker",
                       kHeadphonesSilence[] = "silence behind it, headphones";
 inline constexpr char kFftw[] = "FFTW3f", kKissfft[] = "KissFFT", kConvolver[] = "zita-convolver";
