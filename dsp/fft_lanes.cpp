@@ -82,10 +82,12 @@ ZOQ_INLINE void transform(Source source, Sink sink) {
     transform(PlanesInverse{&x}, ToInterleavedInverse{y});
 }
 
+// The first quarter of the table; the others follow from it by their lowest two bits.
+constexpr int kQuarter = kFrameSamples / 4;
 constexpr struct BitReversal {
-    alignas(64) int32_t of[kFrameSamples];
+    alignas(64) int32_t of[kQuarter];
     constexpr BitReversal() : of() {
-        for (int i = 0; i < kFrameSamples; ++i) {
+        for (int i = 0; i < kQuarter; ++i) {
             of[i] = reversed(i, kFrameSamples);
         }
     }
@@ -93,15 +95,18 @@ constexpr struct BitReversal {
 
 // Whether a host has left the table as it was built.
 bool is_bit_reversal(const int32_t* table) {
-    IntLanes wrong{}, alsoWrong{};
-    for (int i = 0; i < kFrameSamples; i += 2 * kLanes) {
-        wrong |= load_ints(table + i) ^ load_ints(kBitReversal.of + i);
-        alsoWrong |= load_ints(table + i + kLanes) ^ load_ints(kBitReversal.of + i + kLanes);
+    IntLanes wrong[4] = {};
+    for (int i = 0; i < kQuarter; i += kLanes) {
+        const IntLanes right = load_ints(kBitReversal.of + i);
+        wrong[0] |= load_ints(table + i) ^ right;
+        wrong[1] |= load_ints(table + kQuarter + i) ^ 2 ^ right;
+        wrong[2] |= load_ints(table + 2 * kQuarter + i) ^ 1 ^ right;
+        wrong[3] |= load_ints(table + 3 * kQuarter + i) ^ 3 ^ right;
     }
-    wrong |= alsoWrong;
+    const IntLanes all = (wrong[0] | wrong[1]) | (wrong[2] | wrong[3]);
     int32_t any = 0;
     for (int lane = 0; lane < kLanes; ++lane) {
-        any |= wrong[lane];
+        any |= all[lane];
     }
     return any == 0;
 }
