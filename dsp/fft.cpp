@@ -10,6 +10,16 @@ namespace android {
 int32_t fft_table[kFrameSamples];
 int32_t fft_table_flag;
 
+FftTableKnowledge fftTableKnowledge;
+
+UnchangedFftTable::UnchangedFftTable() {
+    fftTableKnowledge = {true, false};
+}
+
+UnchangedFftTable::~UnchangedFftTable() {
+    fftTableKnowledge = {false, false};
+}
+
 namespace {
 
 // The table is exported: whatever a host writes into it, an index stays inside the frame.
