@@ -4,7 +4,7 @@
 #include <bit>
 
 #include "chain/absurd_settings.h"
-#include "dsp/fft.h"
+#include "dsp/fft_table_scope.h"
 #include "dsp/grid.h"
 #include "dsp/poison.h"
 #include "dsp/shared_value.h"

@@ -2,6 +2,7 @@
 
 #include "dsp/complex.h"
 #include "dsp/fft_kernels.h"
+#include "dsp/fft_table_scope.h"
 #include "dsp/fft_tables.h"
 #include "dsp/kernel_level.h"
 

@@ -11,16 +11,6 @@ namespace android {
 extern int32_t fft_table[kFrameSamples];  // bit reversal of 0..1023; entry 1 is 512
 extern int32_t fft_table_flag;            // 0: the table is not built yet, 1: it is
 
-// For as long as one lives, nobody writes the table, so that the first transform looks at it for all of them. One at a
-// time.
-class UnchangedFftTable {
-  public:
-    UnchangedFftTable();
-    ~UnchangedFftTable();
-    UnchangedFftTable(const UnchangedFftTable&) = delete;
-    UnchangedFftTable& operator=(const UnchangedFftTable&) = delete;
-};
-
 // Fills table[0..n-1] with the bit reversal of the indices over log2(n) bits; n is a power of two.
 void init_fft_index_table(int n, int* table);
 

@@ -364,7 +364,8 @@ ZOQ_INLINE ComplexLanes load_apart(const float* x) {
     return {{parts.val[0]}, {parts.val[1]}};
 }
 ZOQ_INLINE void store_apart(float* y, ComplexLanes z) {
-    vst2q_f32(y, {{z.re.v, z.im.v}});
+    const float32x4x2_t parts = {{z.re.v, z.im.v}};
+    vst2q_f32(y, parts);
 }
 #else
 constexpr bool kLoadsApart = false;
@@ -388,7 +389,8 @@ ZOQ_INLINE void store_apart(float* y, ComplexLanes z) {
 // a[0] b[0] c[0] a[1] b[1] c[1] ...
 #ifdef ZOQ_NEON32
 ZOQ_INLINE void store_three(float* y, Lanes a, Lanes b, Lanes c) {
-    vst3q_f32(y, {a.v, b.v, c.v});
+    const float32x4x3_t thirds = {{a.v, b.v, c.v}};
+    vst3q_f32(y, thirds);
 }
 #else
 template <int J, int... I>  // vector J: one shuffle brings a and b to their places, another one c

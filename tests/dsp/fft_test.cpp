@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "dsp/fft_table_scope.h"
 #include "tests/support/dft.h"
 #include "tests/support/kernel_levels.h"
 #include "tests/support/signals.h"
