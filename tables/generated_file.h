@@ -44,8 +44,8 @@ class SourceText {
 std::string shortest(float value);  // "0.1f"
 std::string rounded(double value);  // two significant digits, for comments
 
-// Says where two texts differ by more than the tolerance, or nothing if they do not. Comments are not
-// compared: the errors they state may differ in a last digit.
+// Says where two texts differ by more than the tolerance, or nothing if they do not. Of the comment ahead
+// every line must be there, but what follows "Worst error" may differ; comments further down are not compared.
 std::string difference(const std::string& committed, const GeneratedFile& remade);
 
 }  // namespace zoq::tables

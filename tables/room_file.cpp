@@ -46,8 +46,8 @@ std::string worst_error(const RoomTables& rooms) {
 
 GeneratedFile room_responses_file(const RoomResponses& rooms, const std::string& maker,
                                   const std::string& source) {
-    SourceText text("modules/x2b/x2b_tables.h", "The room responses. Made by " + maker +
-                                                    " (tables/room_responses.cpp).\n" + source +
+    SourceText text("modules/x2b/x2b_tables.h", "The room responses. Made by \"" + maker +
+                                                    "\" (tables/room_responses.cpp).\n" + source +
                                                     R"(
 Formula: direct sound of the head, diffuse-field equalised and of minimum phase, at its arrival tap; mirror
 images of a 5.2 x 4.0 x 2.6 m room, each through the head; a diffuse tail; a high-pass that sets bin 0.

@@ -130,14 +130,23 @@ double decibel(double power) {
     return 10.0 * std::log10(power);
 }
 
+void raise(double& most, double value) {
+    most = std::isnan(most) || most >= value ? most : value;
+}
+
+void lower(double& least, double value) {
+    least = std::isnan(least) || least <= value ? least : value;
+}
+
 double raised_cosine(double x, double from, double to) {
     const double t = std::clamp((x - from) / (to - from), 0.0, 1.0);
     return 0.5 - 0.5 * std::cos(std::numbers::pi * t);
 }
 
 std::optional<double> find_root(const std::function<double(double)>& f, double low, double high) {
-    const bool rising = f(low) < 0.0;
-    if (rising != (f(high) > 0.0)) {
+    const double atLow = f(low), atHigh = f(high);
+    const bool rising = atLow < 0.0;
+    if (!std::isfinite(atLow) || !std::isfinite(atHigh) || rising != (atHigh > 0.0)) {
         return std::nullopt;
     }
     for (int i = 0; i < 60; ++i) {

@@ -1,9 +1,11 @@
 // zoq tables: the report that everything passes, the report that something does not, and the pictures.
 #include "tools/zoq/tables/report.h"
 
+#include <complex>
 #include <functional>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <numbers>
 #include <set>
 
 #include "tables/head_file.h"
@@ -82,6 +84,30 @@ TEST_F(TablesTest, EveryPropertyOfTheLibraryPasses) {
     EXPECT_EQ(report.at("passed"), properties);
 }
 
+// Tables of nothing and of what is no number are measured like others, and fail.
+TEST_F(TablesTest, TablesWithoutSenseFail) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity(),
+                    kNan = std::numeric_limits<float>::quiet_NaN();
+    for (const float value : {0.0f, kInfinity, kNan}) {
+        const std::set<std::string> names = failing(checked([&](Records& r) {
+            std::fill_n(&r.x2b.ipsiResponse[0][0][0], sizeof r.x2b.ipsiResponse / sizeof(android::creal32_T),
+                        android::creal32_T{value, value});
+            std::fill_n(&r.x2b.contraResponse[0][0][0],
+                        sizeof r.x2b.contraResponse / sizeof(android::creal32_T),
+                        android::creal32_T{value, value});
+            std::fill(std::begin(r.tws.sameSideFilter), std::end(r.tws.sameSideFilter),
+                      android::creal32_T{value, value});
+        }));
+        for (const char* row :
+             {"room response 1, 0 degrees: first arrival, tap", "room response 4, 130 degrees: bin 0",
+              "room rendering: sides, level against the dry path",
+              "room rendering: sides, direct over reverberant, same side",
+              "widening filters: same side, magnitude"}) {
+            EXPECT_EQ(names.count(row), 1u) << row << " of " << double(value);
+        }
+    }
+}
+
 // Each fault fails the row that names it, and nothing of the other tables.
 TEST_F(TablesTest, APoisonedTableFailsItsRow) {
     EXPECT_EQ(failing(checked()), std::set<std::string>{});
@@ -128,7 +154,7 @@ TEST_F(TablesTest, APoisonedTableFailsItsRow) {
                  std::copy_n(r.x2b.ipsiResponse[p][2], android::kBins, r.x2b.contraResponse[p][2]);
              }
          }},
-        {"room response 1, 0 degrees: bin 0", [](Records& r) { r.x2b.contraResponse[0][0][0].re += 1e-5f; }},
+        {"room response 1, 0 degrees: bin 0", [](Records& r) { r.x2b.contraResponse[0][0][0].re += 6e-8f; }},
         {"room response 4, 130 degrees: wrap-around",
          [](Records& r) { r.x2b.ipsiResponse[2][3][9].re += 1e-3f; }},
         {"room response 4, 130 degrees: imaginary part at bins 0 and 512",
@@ -147,6 +173,30 @@ TEST_F(TablesTest, APoisonedTableFailsItsRow) {
                  for (auto& bin : partition[0]) {
                      bin = {1.2f * bin.re, 1.2f * bin.im};
                  }
+             }
+         }},
+        {"room response 3, 60 degrees: imaginary part at bins 0 and 512",
+         [](Records& r) { r.x2b.ipsiResponse[3][2][0].im = std::numeric_limits<float>::quiet_NaN(); }},
+        {"widening filters: imaginary part at bins 0 and 512",
+         [](Records& r) { r.tws.sameSideFilter[0].im = std::numeric_limits<float>::quiet_NaN(); }},
+        {"widening filters: energy outside samples 7..466",
+         [](Records& r) { r.tws.crossFeedFilter[100].re = std::numeric_limits<float>::quiet_NaN(); }},
+        {"widening filters: centre's gain, any bin",
+         [](Records& r) { r.tws.crossFeedFilter[100].re = std::numeric_limits<float>::quiet_NaN(); }},
+        {"widening filters: cross-feed, amplitude at its peak",
+         [](Records& r) {
+             for (auto& bin : r.tws.crossFeedFilter) {
+                 bin = {-bin.re, -bin.im};
+             }
+         }},
+        {"room response 1, 0 degrees: interaural delay",
+         [](Records& r) {  // the opposite ear four samples early
+             for (int k = 0; k < android::kBins; ++k) {
+                 auto& bin = r.x2b.contraResponse[0][0][k];
+                 const auto turned =
+                     std::complex<double>(double(bin.re), double(bin.im)) *
+                     std::polar(1.0, 2.0 * std::numbers::pi * 4.0 * k / android::kFrameSamples);
+                 bin = {float(turned.real()), float(turned.imag())};
              }
          }},
         {"virtual-bass sets, by cutoff: low-pass, corner over cutoff",
@@ -197,11 +247,11 @@ TEST_F(TablesTest, DrawsPictures) {
     EXPECT_EQ(tables("--plot new/folder").code, 0);
     const std::pair<const char*, std::vector<const char*>> pictures[] = {
         {"all.svg",
-         {"widening filters: magnitude", "opposite ear, decay", "wideAmount 4", "frequency (Hz)",
+         {"widening filters: magnitude", "opposite ear, power per sample", "wideAmount 4", "frequency (Hz)",
           "gain (dB)"}},
         {"new/folder/widening.svg", {"time (samples at 48 kHz)", "checkpoints", "cross-feed"}},
         {"new/folder/pan-curves.svg", {"pan (0 centre, 1 side)", "new pan"}},
-        {"new/folder/rooms.svg", {"time (ms)", "power per sample (dB)", "130 degrees"}},
+        {"new/folder/rooms.svg", {"time (ms)", "level (dB)", "130 degrees"}},
         {"new/folder/virtual-bass.svg", {"output high-pass, 80 Hz"}},
     };
     for (const auto& [file, words] : pictures) {
@@ -222,6 +272,7 @@ TEST_F(TablesTest, SaysWhyAPictureOrReportIsNotThere) {
         const char* message;
     } cases[] = {
         {"zoq tables --plot picture.pdf", 2, "must be a folder or end in .svg or .png"},
+        {"zoq tables --plot -", 2, "needs a folder or a file"},
         {"zoq tables --plot nowhere/all.svg", 1, "'nowhere/all.svg': No such file"},
         {"zoq tables --plot file", 1, "cannot make the folder 'file'"},
         {"PATH=/nowhere zoq tables --plot old.svg", 1, "gnuplot is not installed"},
