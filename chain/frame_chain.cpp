@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "chain/absurd_settings.h"
+#include "dsp/fft_table_scope.h"
 #include "dsp/grid.h"
 #include "dsp/poison.h"
 #include "dsp/shared_value.h"
@@ -155,6 +156,7 @@ void stereoWidening_frame(float* frameIn, float channelCount, uint8_t headphone,
                           parameterTWS* tws, const parameterEQ* eq, const parameterDRC* drc,
                           const parameterVB* vb, const parameterX2B* x2b, const parameterGEQ* geq,
                           float* frameOut) {
+    const UnchangedFftTable scope;
     reset_after_absurd_settings(headphone != 0 ? headphone_settings_absurd(*den, *x2b, *geq)
                                                : speaker_settings_absurd(*den, *tws, *eq, *drc, *vb, *geq));
     if (headphone != 0) {
