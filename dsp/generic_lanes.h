@@ -7,6 +7,8 @@
 #include <immintrin.h>
 #endif
 
+#include "dsp/lane_level.h"
+
 namespace android::ZOQ_LEVEL {
 
 using Lanes = FloatVector;

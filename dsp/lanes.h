@@ -7,33 +7,17 @@
 // here and in the kernels is inlined or local to its file.
 #pragma once
 
-#include <cstdint>
 #include <utility>
 
-#ifndef ZOQ_LANES
-#define ZOQ_LANES 4  // for a look at this header alone
-#endif
+#include "dsp/lane_level.h"
 
-#define ZOQ_PASTE_(a, b) a##b
-#define ZOQ_PASTE(a, b)  ZOQ_PASTE_(a, b)
-#define ZOQ_LEVEL        ZOQ_PASTE(lanes, ZOQ_LANES)
-#define ZOQ_INLINE       [[gnu::always_inline]] static inline
-#define ZOQ_MEMBER       [[gnu::always_inline]] inline
-
-// In front of a loop over an array that is meant to stay in registers.
-#ifdef __clang__
-#define ZOQ_UNROLL _Pragma("unroll")
+#ifdef ZOQ_NEON32
+#include "dsp/neon32_lanes.h"
 #else
-#define ZOQ_UNROLL _Pragma("GCC unroll 16")
-#endif
-
-#if defined(__ARM_NEON) && !defined(__aarch64__)
-#define ZOQ_NEON32
+#include "dsp/generic_lanes.h"
 #endif
 
 namespace android::ZOQ_LEVEL {
-
-constexpr int kLanes = ZOQ_LANES;
 
 // How many vectors of second-order sections run at once: on x86 operands come from memory for free, elsewhere seven
 // registers each are to be had.
@@ -44,20 +28,6 @@ constexpr int kSectionVectors = 2;
 #else
 constexpr int kSectionVectors = 3;
 #endif
-
-// One integer per lane; as a mask all bits of a lane are set or none.
-typedef int32_t IntLanes __attribute__((vector_size(4 * kLanes)));
-typedef float FloatVector __attribute__((vector_size(4 * kLanes)));
-
-}  // namespace android::ZOQ_LEVEL
-
-#ifdef ZOQ_NEON32
-#include "dsp/neon32_lanes.h"
-#else
-#include "dsp/generic_lanes.h"
-#endif
-
-namespace android::ZOQ_LEVEL {
 
 ZOQ_INLINE Lanes absolute(Lanes a) {
     return lanes_of(FloatVector(IntLanes(vector_of(a)) & 0x7FFFFFFF));

@@ -1,6 +1,9 @@
 // Vectors of four floats by the NEON unit of 32-bit ARM; part of dsp/lanes.h.
 #pragma once
 
+#include "dsp/lane_level.h"
+
+#ifdef ZOQ_NEON32
 #include <arm_neon.h>
 
 namespace android::ZOQ_LEVEL {
@@ -73,3 +76,4 @@ ZOQ_INLINE Lanes lanes_of(FloatVector v) {
 }
 
 }  // namespace android::ZOQ_LEVEL
+#endif
