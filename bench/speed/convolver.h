@@ -13,12 +13,13 @@
 namespace bench {
 
 // Six paths, none of them linked, in four partitions of a hop as in the stage: with one partition size, which is that
-// of the period, everything runs in the thread that calls. The products are its vector code's, the plans measured.
+// of the period, everything runs in the thread that calls.
 class Convolver {
   public:
-    Convolver() {
+    // options: zita-convolver's own.
+    explicit Convolver(unsigned options) {
         constexpr unsigned kTaps = 2048, kHop = android::kHopSamples;
-        process_.set_options(Convproc::OPT_FFTW_MEASURE | Convproc::OPT_VECTOR_MODE);
+        process_.set_options(options);
         require(process_.configure(kInputs, kEars, kTaps, kHop, kHop, kHop, 0.0f) == 0);
         std::vector<float> response(kTaps);
         for (unsigned path = 0; path < kInputs * kEars; ++path) {

@@ -63,10 +63,11 @@ void append_kissfft(std::vector<Candidate>& candidates, const Frames& frames) {
         repeated(kKissfft, KernelLevel::kScalar, kTransforms, [=] { kiss_fft(plan, in, out); }));
 }
 
-void append_convolver(std::vector<Candidate>& candidates, const float* hop) {
+void append_convolver(std::vector<Candidate>& candidates, const char* name, unsigned options,
+                      const float* hop) {
     constexpr int kHopsThatFill = 8;
     fftwf_forget_wisdom();
-    const auto convolver = std::make_shared<Convolver>();
+    const auto convolver = std::make_shared<Convolver>(options);
     for (int i = 0; i < kHopsThatFill; ++i) {
         convolver->feed(hop);
         convolver->run();
@@ -75,7 +76,7 @@ void append_convolver(std::vector<Candidate>& candidates, const float* hop) {
         throw zoq::Failure("zita-convolver puts nothing out");
     }
     candidates.push_back(
-        repeated(kConvolver, KernelLevel::kScalar, kBinauralHops, [convolver] { convolver->run(); }));
+        repeated(name, KernelLevel::kScalar, kBinauralHops, [convolver] { convolver->run(); }));
 }
 
 }  // namespace
@@ -89,7 +90,9 @@ FftwSets append_peers(std::vector<Candidate>& candidates, int tries) {
     frames.fill();
     append_kissfft(candidates, frames);
     for (int i = 0; i < tries; ++i) {
-        append_convolver(candidates, frames.in[0]);
+        append_convolver(candidates, kConvolver, 0, frames.in[0]);
+        append_convolver(candidates, kVectorConvolver, Convproc::OPT_VECTOR_MODE | Convproc::OPT_FFTW_MEASURE,
+                         frames.in[0]);
     }
     return sets;
 }

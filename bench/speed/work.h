@@ -13,7 +13,8 @@ inline constexpr char kTransform[] = "transform", kLogarithms[] = "logarithms", 
                       kLoudspeaker[] = "hop, loudspeaker", kHeadphones[] = "hop, headphones",
                       kLoudspeakerSilence[] = "silence behind it, loudspeaker",
                       kHeadphonesSilence[] = "silence behind it, headphones";
-inline constexpr char kFftw[] = "FFTW3f", kKissfft[] = "KissFFT", kConvolver[] = "zita-convolver";
+inline constexpr char kFftw[] = "FFTW3f", kKissfft[] = "KissFFT", kConvolver[] = "zita-convolver",
+                      kVectorConvolver[] = "zita-convolver, vector mode";
 
 std::vector<android::KernelLevel> levels();
 
