@@ -1,4 +1,4 @@
-// Twiddle factors and the analysis window. Made by zoq-make-tables (tables/transform_tables.cpp).
+// Twiddle factors and the analysis window. Made by "zoq-make-tables --source ." (tables/transform_tables.cpp).
 // Formula: sine and cosine in double precision, rounded to float; exactly 0 at quarter and half turns.
 // Worst error: 3e-08, the rounding to float.
 #include "dsp/fft_tables.h"

@@ -52,7 +52,7 @@ constexpr Numerators kGivenNumerators[] = {
 };
 
 constexpr const char* kComment =
-    R"(The section sets of the virtual bass. Made by zoq-make-tables (tables/bass_sections.cpp).
+    R"(The section sets of the virtual bass. Made by "zoq-make-tables --source ." (tables/bass_sections.cpp).
 Formula: Butterworth filters by the bilinear transform with prewarping at 48000 Hz.
     With K = tan(pi f / 48000) and n = 1 + K/Q + K^2 a section is a0 = 1, a1 = 2 (K^2 - 1) / n,
     a2 = (1 - K/Q + K^2) / n.

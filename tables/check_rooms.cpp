@@ -10,7 +10,6 @@ namespace {
 using android::kX2bPartitions;
 using android::kX2bResponses;
 
-constexpr double kBin0Off = 1e-6;
 constexpr double kEnergyRatioOff = 0.05;
 // Partition 0 carries almost all; at the opposite ear, whose direct sound is shadowed, most.
 constexpr double kLeastShare[] = {0.95, 0.6};
@@ -36,14 +35,20 @@ std::string digits(double value) {
     return text.back() == '.' ? text + "0" : text;
 }
 
+// What a value given to six digits leaves open.
+double half_of_sixth_digit(double value) {
+    return 0.5 * std::pow(10.0, std::floor(std::log10(value)) - 5.0);
+}
+
 void check_first_partition(const ResponseQuality& quality, const ResponsePlan& plan,
                            std::vector<Property>& properties) {
     Property arrival{"first arrival, tap", "", {}}, bin0{"bin 0", "", {}};
     for (size_t side = 0; side < 2; ++side) {
         const double tap = plan.arrivalTap[side];
         arrival.figures.push_back({kSides[side], double(quality.arrival[side]), tap, tap});
+        const double off = half_of_sixth_digit(plan.bin0[side]);
         bin0.figures.push_back(
-            {kSides[side], quality.bin0[side], plan.bin0[side] - kBin0Off, plan.bin0[side] + kBin0Off});
+            {kSides[side], quality.bin0[side], plan.bin0[side] - off, plan.bin0[side] + off});
     }
     properties.push_back(std::move(arrival));
     properties.push_back(std::move(bin0));

@@ -138,6 +138,12 @@ std::string rounded(double value) {
 }
 
 std::string difference(const std::string& committed, const GeneratedFile& remade) {
+    std::istringstream credit(remade.credit);
+    for (std::string words; std::getline(credit, words);) {
+        if (committed.find("// " + words + "\n") == std::string::npos) {
+            return "its comment lacks the line '" + words + "'";
+        }
+    }
     const std::vector<Token> old = tokens(committed);
     const std::vector<Token> fresh = tokens(remade.text);
     const double largest = peak(fresh);

@@ -20,6 +20,7 @@ struct GeneratedFile {
     std::string path;  // below the source tree
     std::string text;
     Tolerance tolerance;
+    std::string credit = {};  // what the text must say of its source
 };
 
 // Builds the text: a comment that names maker, source, formula and error; then arrays of numbers.
@@ -44,7 +45,7 @@ class SourceText {
 std::string shortest(float value);  // "0.1f"
 std::string rounded(double value);  // two significant digits, for comments
 
-// Says where two texts differ by more than the tolerance, or nothing if they do not. Comments are not
+// Says where two texts differ by more than the tolerance, or nothing if they do not. Of comments only the credit is
 // compared: the errors they state may differ in a last digit.
 std::string difference(const std::string& committed, const GeneratedFile& remade);
 

@@ -55,7 +55,34 @@ void require_left_first(const Head& head) {
             "put the left ear first and let azimuth run anticlockwise");
 }
 
+std::string name(const Direction& direction) {
+    return "azimuth " + std::to_string(std::lround(direction.azimuth)) + ", elevation " +
+           std::to_string(std::lround(direction.elevation));
+}
+
+// What a head lacks near a direction, or nothing.
+std::string missing(const Head& head, const NeededDirection& needed) {
+    const Direction& found = head.directions[nearest(head, needed.direction)];
+    const double off = angle(found, needed.direction);
+    return off <= needed.within
+               ? ""
+               : "near " + name(needed.direction) + " (" + std::to_string(std::lround(needed.within)) +
+                     " degrees off are allowed, the nearest is " + std::to_string(std::lround(off)) +
+                     " off at " + name(found) + ")";
+}
+
 }  // namespace
+
+void require_directions(const Head& head, std::span<const NeededDirection> needed) {
+    std::string all;
+    for (const NeededDirection& each : needed) {
+        const std::string lack = missing(head, each);
+        all += all.empty() || lack.empty() ? lack : "; " + lack;
+    }
+    if (!all.empty()) {
+        throw HeadError("the head has no measurement " + all + "; use a set that covers the sphere");
+    }
+}
 
 void require_sound(const Head& head) {
     require(head.rateHz >= kLowestRateHz && head.rateHz <= kHighestRateHz,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -32,6 +33,14 @@ struct HeadError : std::runtime_error {
 // Throws HeadError unless the rate is sensible, all values are finite, no response is silent and the left ear
 // comes first. read_head (tables/head_file.h) has done it.
 void require_sound(const Head& head);
+
+// Directions that a head must have been measured near to be of use, and how near: degrees.
+struct NeededDirection {
+    Direction direction;
+    double within;
+};
+// Throws HeadError that names those it lacks.
+void require_directions(const Head& head, std::span<const NeededDirection> needed);
 
 // Angle between two directions, degrees.
 double angle(const Direction& a, const Direction& b);

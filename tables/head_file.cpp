@@ -21,17 +21,19 @@ constexpr double kShortestSeconds = 0.002;
 constexpr unsigned kLongestResponse = 16384;  // samples
 constexpr double kLongestDelay = 4096.0;      // samples, beyond the shortest of the file
 
-constexpr size_t kLongestCredit = 200;  // characters
-
 struct Freed {
     void operator()(MYSOFA_HRTF* file) const { mysofa_free(file); }
 };
 using File = std::unique_ptr<MYSOFA_HRTF, Freed>;
 
-std::string attribute(const File& file, const char* name) {
+std::string attribute(MYSOFA_ATTRIBUTE* attributes, const char* name) {
     std::string key(name);
-    const char* value = mysofa_getAttribute(file->attributes, key.data());
+    const char* value = mysofa_getAttribute(attributes, key.data());
     return value ? value : "";
+}
+
+std::string attribute(const File& file, const char* name) {
+    return attribute(file->attributes, name);
 }
 
 void require(bool good, const std::string& problem) {
@@ -45,11 +47,12 @@ void require_hdf5(const std::string& path) {
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
     require(!std::filesystem::is_directory(status), path + " is a folder; name a SOFA file");
+    require(!std::filesystem::exists(status) || std::filesystem::is_regular_file(status),
+            path + " is not a regular file; name a SOFA file");
     std::ifstream in(path, std::ios::binary);
     require(in.good(), "cannot read " + path +
                            (path == kDefaultHeadFile ? "; it comes with Debian's package libmysofa1"
                                                      : "; name an existing SOFA file that you may read"));
-    require(std::filesystem::is_regular_file(status), path + " is not a regular file; name a SOFA file");
     require(std::filesystem::file_size(path, error) <= kLargestFile,
             path + " is larger than 512 MiB; a head's set is smaller");
     std::string start(sizeof kHdf5Signature - 1, '\0');
@@ -85,6 +88,35 @@ void require_layout(const File& file, const std::string& path) {
     require_array(file->DataIR, pairs * file->N, "responses (Data.IR) are");
     require_array(file->SourcePosition, size_t(file->M) * 3, "source positions (SourcePosition) are");
     require_array(file->DataSamplingRate, 1, "the sampling rate (Data.SamplingRate) is");
+}
+
+// Directions of sources are as the file has them: its listener sits at the origin and looks along x.
+void require_positions(const File& file, const std::string& path) {
+    const MYSOFA_ARRAY& sources = file->SourcePosition;
+    const std::string type = attribute(sources.attributes, "Type"),
+                      units = attribute(sources.attributes, "Units");
+    require(type == "spherical" || type == "cartesian",
+            path + " has source positions of the type '" + type + "'; spherical and cartesian are usable");
+    require(units.find("radian") == std::string::npos && units.find("rad,") == std::string::npos,
+            path + " has source positions in '" + units + "'; write angles in degrees");
+    for (size_t m = 0; m < file->M; ++m) {
+        const float* position = sources.values + 3 * m;
+        const std::string where = path + ": the position of measurement " + std::to_string(m + 1);
+        require(std::all_of(position, position + 3, [](float value) { return std::isfinite(value); }),
+                where + " is not finite; remove it or measure it again");
+        require(type == "spherical" || position[0] != 0.0f || position[1] != 0.0f || position[2] != 0.0f,
+                where + " is the listener's own; remove it or measure it again");
+    }
+    const MYSOFA_ARRAY& view = file->ListenerView;
+    if (view.values == nullptr || view.elements < 3) {
+        return;
+    }
+    const float* towards = view.values;
+    const bool ahead = attribute(view.attributes, "Type") == "spherical"
+                           ? towards[0] == 0.0f && towards[1] == 0.0f
+                           : towards[0] > 0.0f && towards[1] == 0.0f && towards[2] == 0.0f;
+    require(ahead,
+            path + " has a listener who does not look along x (ListenerView); turn the set until he does");
 }
 
 // Delay of a pair beyond the shortest of the file, in whole samples; files store one per ear or one per
@@ -134,7 +166,6 @@ void require_long_enough(const File& file, const Delays& delays, const std::stri
 
 // Text of a file as one line of plain characters: it goes into a comment of a source file.
 std::string plain(std::string text) {
-    text.resize(std::min(text.size(), kLongestCredit));
     for (char& c : text) {
         c = c == '\\' ? '/' : c >= ' ' && c <= '~' ? c : ' ';
     }
@@ -144,10 +175,15 @@ std::string plain(std::string text) {
 std::vector<std::string> credits(const File& file) {
     std::vector<std::string> lines;
     for (const char* name :
-         {"Title", "DatabaseName", "AuthorContact", "Organization", "License", "References"}) {
+         {"Title", "DatabaseName", "ListenerShortName", "ListenerDescription", "AuthorContact",
+          "Organization", "License", "References", "Origin", "Comment", "History"}) {
         if (const std::string value = attribute(file, name); !value.empty()) {
             lines.push_back(std::string(name) + ": " + plain(value));
         }
+    }
+    if (attribute(file, "DatabaseName") == "MIT" &&
+        attribute(file, "ListenerShortName").starts_with("KEMAR")) {
+        lines.insert(lines.end(), kKemarCredit.begin(), kKemarCredit.end());
     }
     return lines;
 }
@@ -172,6 +208,7 @@ void copy_measurements(const File& file, const Delays& delays, Head& head) {
 Head read_head(const std::string& path) {
     const File file = open(path);
     require_layout(file, path);
+    require_positions(file, path);
     const Delays delays(file, path);
     mysofa_tospherical(file.get());
     Head head;

@@ -7,6 +7,12 @@ namespace zoq::tables {
 
 inline constexpr const char* kDefaultHeadFile = "/usr/share/libmysofa/MIT_KEMAR_normal_pinna.sofa";
 
+// What the files of that head lack.
+inline constexpr std::array kKemarCredit = {
+    "Responses of a KEMAR dummy head, measured by Bill Gardner and Keith Martin, MIT Media Lab, 1994.",
+    "Copyright 1994 by the MIT Media Laboratory; free with no restrictions on use, provided the authors",
+    "are cited."};
+
 // Reads and checks a head of the convention SimpleFreeFieldHRIR. Throws HeadError; in a build without libmysofa
 // it does nothing else.
 Head read_head(const std::string& path);

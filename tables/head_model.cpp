@@ -26,42 +26,12 @@ constexpr double kCoveredDegrees = 12.0;
 
 // Directions that a usable set must hold, and how near: the sources, whose direct sound it gives, and a
 // sample of those that reflections come from.
-constexpr double kSourceDegrees = 8.0, kReflectionDegrees = 30.0;
-constexpr Direction kSources[] = {{0, 0}, {30, 0}, {60, 0}, {130, 0}};
-constexpr Direction kReflections[] = {{180, 0},   {240, 0},   {300, 0}, {0, -40}, {90, -40},
-                                      {180, -40}, {270, -40}, {0, 60},  {180, 60}};
-
-std::string name(const Direction& direction) {
-    return "azimuth " + std::to_string(std::lround(direction.azimuth)) + ", elevation " +
-           std::to_string(std::lround(direction.elevation));
-}
-
-// What a head lacks near a direction, or nothing.
-std::string missing(const Head& head, const Direction& wanted, double within) {
-    const Direction& found = head.directions[nearest(head, wanted)];
-    const double off = angle(found, wanted);
-    return off <= within ? ""
-                         : "near " + name(wanted) + " (" + std::to_string(std::lround(within)) +
-                               " degrees off are allowed, the nearest is " +
-                               std::to_string(std::lround(off)) + " off at " + name(found) + ")";
-}
-
-void require_directions(const Head& head) {
-    std::string all;
-    const auto look = [&](const Direction& wanted, double within) {
-        const std::string lack = missing(head, wanted, within);
-        all += all.empty() || lack.empty() ? lack : "; " + lack;
-    };
-    for (const Direction& wanted : kSources) {
-        look(wanted, kSourceDegrees);
-    }
-    for (const Direction& wanted : kReflections) {
-        look(wanted, kReflectionDegrees);
-    }
-    if (!all.empty()) {
-        throw HeadError("the head has no measurement " + all + "; use a set that covers the sphere");
-    }
-}
+constexpr double kSource = 8.0, kReflection = 30.0;
+constexpr NeededDirection kNeeded[] = {
+    {{0, 0}, kSource},        {{30, 0}, kSource},        {{60, 0}, kSource},        {{130, 0}, kSource},
+    {{180, 0}, kReflection},  {{240, 0}, kReflection},   {{300, 0}, kReflection},   {{0, -40}, kReflection},
+    {{90, -40}, kReflection}, {{180, -40}, kReflection}, {{270, -40}, kReflection}, {{0, 60}, kReflection},
+    {{180, 60}, kReflection}};
 
 // Power at the grid's frequencies. The response is padded to at least eight times its length, so that the
 // line between two bins is as good as the spectrum itself; no resampling is needed.
@@ -135,7 +105,7 @@ double grid_hz(size_t bin) {
 }
 
 HeadModel::HeadModel(const Head& measured) : head(measured) {
-    require_directions(head);
+    require_directions(head, kNeeded);
     const Signal shares = sphere_shares(head);
     Signal diffuse(kGridBins, 0.0);
     for (size_t m = 0; m < head.responses.size(); ++m) {

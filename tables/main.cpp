@@ -69,16 +69,19 @@ Options read_options(const std::vector<std::string>& words) {
     return options;
 }
 
-constexpr const char* kHeadSource =
-    R"(Source: the head MIT_KEMAR_normal_pinna.sofa of Debian's libmysofa1: responses of a KEMAR dummy head,
-measured by Bill Gardner and Keith Martin, MIT Media Lab, 1994. Copyright 1994 by the MIT Media
-Laboratory; free with no restrictions on use, provided the authors are cited.)";
+std::string head_source() {
+    std::string source = "Source: the head MIT_KEMAR_normal_pinna.sofa of Debian's libmysofa1.";
+    for (const char* line : zoq::tables::kKemarCredit) {
+        source += std::string("\n") + line;
+    }
+    return source;
+}
 
 std::vector<GeneratedFile> make_all() {
     using namespace zoq::tables;
     return {transform_tables_file(), pan_curves_file(), bass_sections_file(), widening_filters_file(),
-            room_responses_file(make_room_responses(load_head(kDefaultHeadFile)), "zoq-make-tables",
-                                kHeadSource)};
+            room_responses_file(make_room_responses(load_head(kDefaultHeadFile)),
+                                "zoq-make-tables --source .", head_source())};
 }
 
 std::string reason(const std::filesystem::path& path) {

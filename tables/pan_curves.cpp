@@ -71,7 +71,7 @@ GeneratedFile pan_curves_file() {
 
     SourceText text(
         "modules/den/den_tables.h",
-        R"(The pan curves of dialogue enhancement. Made by zoq-make-tables (tables/pan_curves.cpp).
+        R"(The pan curves of dialogue enhancement. Made by "zoq-make-tables --source ." (tables/pan_curves.cpp).
 Formula: column K = 1..100 is the least-squares cubic, over u = 0, 0.01, ..., 1, of tanh(a u) / tanh(a)
 with a = (2^(K/25) - 1) / 2; rows are the coefficients of u^3, u^2, u and 1.
 Worst error: the rounding to float; the cubics leave the target by up to )" +

@@ -151,7 +151,7 @@ RenderingQuality rendering(const Signal& near, const Signal& far, double dryPowe
         square += levels[third] * levels[third] / kThirds;
     }
     const auto [lowest, highest] = std::minmax_element(levels.begin(), levels.end());
-    return {decibel(power), std::sqrt(std::max(0.0, square - mean * mean)), *highest - *lowest};
+    return {decibel(power), std::sqrt(std::max(square - mean * mean, 0.0)), *highest - *lowest};
 }
 
 // What one ear gets of a side channel: the narrower and the wider response, crossfaded.
@@ -234,7 +234,7 @@ std::array<double, 2> direct_to_reverberant_db(const RoomTables& rooms, double w
     std::array<double, 2> ratio{};
     for (const int side : {kSameSide, kOppositeSide}) {
         const Signal x = side_response(rooms, side, width);
-        const auto end = x.begin() + arrival(x) + int(kDirectTaps);
+        const auto end = x.begin() + std::ptrdiff_t(std::min(x.size(), size_t(arrival(x)) + kDirectTaps));
         ratio[size_t(side)] = decibel(energy({x.begin(), end}) / energy({end, x.end()}));
     }
     return ratio;

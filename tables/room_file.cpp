@@ -46,8 +46,8 @@ std::string worst_error(const RoomTables& rooms) {
 
 GeneratedFile room_responses_file(const RoomResponses& rooms, const std::string& maker,
                                   const std::string& source) {
-    SourceText text("modules/x2b/x2b_tables.h", "The room responses. Made by " + maker +
-                                                    " (tables/room_responses.cpp).\n" + source +
+    SourceText text("modules/x2b/x2b_tables.h", "The room responses. Made by \"" + maker +
+                                                    "\" (tables/room_responses.cpp).\n" + source +
                                                     R"(
 Formula: direct sound of the head, diffuse-field equalised and of minimum phase, at its arrival tap; mirror
 images of a 5.2 x 4.0 x 2.6 m room, each through the head; a diffuse tail; a high-pass that sets bin 0.
@@ -58,7 +58,7 @@ Worst error: )" + worst_error(rooms.tables()));
     add_table(text, "kContraResponse", rooms.oppositeSide);
     // Small values lose digits to the rounding of sums whose order is the compiler's: 1e-12 of the peak.
     // Allowed is half a unit in the last place of the largest value.
-    return {"modules/x2b/x2b_tables.cpp", text.finish(), {.ulps = 1, .ofPeak = 0x1p-24}};
+    return {"modules/x2b/x2b_tables.cpp", text.finish(), {.ulps = 1, .ofPeak = 0x1p-24}, source};
 }
 
 }  // namespace zoq::tables

@@ -159,6 +159,11 @@ void store(const Signal& x, int r, std::vector<creal32_T>& table) {
     }
 }
 
+bool finite(const std::vector<creal32_T>& table) {
+    return std::all_of(table.begin(), table.end(),
+                       [](creal32_T bin) { return std::isfinite(bin.re) && std::isfinite(bin.im); });
+}
+
 }  // namespace
 
 RoomResponses make_room_responses(const Head& head) {
@@ -169,6 +174,9 @@ RoomResponses make_room_responses(const Head& head) {
         const EarSignals ears = make_response(model, r);
         store(ears[kSameSide], r, rooms.sameSide);
         store(ears[kOppositeSide], r, rooms.oppositeSide);
+    }
+    if (!finite(rooms.sameSide) || !finite(rooms.oppositeSide)) {
+        throw HeadError("the head's levels are too far apart for its rooms' values; check the set's levels");
     }
     return rooms;
 }

@@ -136,8 +136,9 @@ double raised_cosine(double x, double from, double to) {
 }
 
 std::optional<double> find_root(const std::function<double(double)>& f, double low, double high) {
-    const bool rising = f(low) < 0.0;
-    if (rising != (f(high) > 0.0)) {
+    const double atLow = f(low), atHigh = f(high);
+    const bool rising = atLow < 0.0;
+    if (!std::isfinite(atLow) || !std::isfinite(atHigh) || rising != (atHigh > 0.0)) {
         return std::nullopt;
     }
     for (int i = 0; i < 60; ++i) {

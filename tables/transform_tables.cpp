@@ -74,7 +74,7 @@ GeneratedFile transform_tables_file() {
 
     SourceText text(
         "dsp/fft_tables.h",
-        R"(Twiddle factors and the analysis window. Made by zoq-make-tables (tables/transform_tables.cpp).
+        R"(Twiddle factors and the analysis window. Made by "zoq-make-tables --source ." (tables/transform_tables.cpp).
 Formula: sine and cosine in double precision, rounded to float; exactly 0 at quarter and half turns.
 Worst error: )" +
             rounded(worst) + ", the rounding to float.");

@@ -184,12 +184,13 @@ GeneratedFile widening_filters_file() {
     const WideningFilters filters = make_widening_filters();
     const double worst = std::max(worst_checkpoint(filters.sameSide, kSameSideCheckpoints),
                                   worst_checkpoint(filters.crossFeed, kCrossFeedCheckpoints));
-    SourceText text("modules/tws/tws_tables.h",
-                    R"(The widening filters. Made by zoq-make-tables (tables/widening_filters.cpp).
+    SourceText text(
+        "modules/tws/tws_tables.h",
+        R"(The widening filters. Made by "zoq-make-tables --source ." (tables/widening_filters.cpp).
 Formula: a recursive crosstalk canceller, E/(1 - c^2) and -c E/(1 - c^2) with c = g(f) and 6 samples late,
 fitted by least squares to impulse responses that are 0 outside samples 7..466.
-Worst error: )" + rounded(worst) +
-                        " of the magnitudes that characterise the pair.");
+Worst error: )" +
+            rounded(worst) + " of the magnitudes that characterise the pair.");
     text.line("const creal32_T kSameSideFilter[kBins] = {");
     text.values(filters.sameSide);
     text.line("};\n\nconst creal32_T kCrossFeedFilter[kBins] = {");

@@ -38,6 +38,17 @@ constexpr int kLastBin[kDenBands] = {2,   4,   6,   8,   10,  12,  14,  16,  18,
                                      32,  34,  36,  38,  40,  42,  48,  54,  60,  68,  76,  85,  95, 106, 119,
                                      133, 148, 166, 185, 207, 230, 257, 287, 320, 357, 398, 444, 513};
 
+constexpr struct FactoryBands {
+    float width[kDenBands], end[kDenBands], start[kDenBands];
+    constexpr FactoryBands() : width(), end(), start() {
+        for (int j = 0, first = 1; j < kDenBands; first = kLastBin[j] + 1, ++j) {
+            width[j] = float(kLastBin[j] - first + 1);
+            end[j] = float(kLastBin[j]);
+            start[j] = float(first);
+        }
+    }
+} kFactoryBands;
+
 struct State {
     bool notEmpty;  // reset: false, so the next call zeroes all that follows
     float bdiffSm;  // smoothed speech activity, not clamped
@@ -360,11 +371,9 @@ void factory_contents(parameterDEN* record) {
     record->wideAmount = 3.0f;
     record->stereoOutput = 0.0f;
     std::copy(&kWideCurve[0][0], &kWideCurve[0][0] + 4 * kDenCurveColumns, &record->wideCurve[0][0]);
-    for (int j = 0, start = 1; j < kDenBands; start = kLastBin[j] + 1, ++j) {
-        record->bandWidth[j] = float(kLastBin[j] - start + 1);
-        record->bandEnd[j] = float(kLastBin[j]);
-        record->bandStart[j] = float(start);
-    }
+    std::copy_n(kFactoryBands.width, kDenBands, record->bandWidth);
+    std::copy_n(kFactoryBands.end, kDenBands, record->bandEnd);
+    std::copy_n(kFactoryBands.start, kDenBands, record->bandStart);
 }
 
 void DialogueEnhancementWide(float* io, float smoothFactor, float centerSpeechGain, float baseGain,

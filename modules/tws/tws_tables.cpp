@@ -1,4 +1,4 @@
-// The widening filters. Made by zoq-make-tables (tables/widening_filters.cpp).
+// The widening filters. Made by "zoq-make-tables --source ." (tables/widening_filters.cpp).
 // Formula: a recursive crosstalk canceller, E/(1 - c^2) and -c E/(1 - c^2) with c = g(f) and 6 samples late,
 // fitted by least squares to impulse responses that are 0 outside samples 7..466.
 // Worst error: 5.5e-08 of the magnitudes that characterise the pair.

@@ -1,7 +1,8 @@
-// The room responses. Made by zoq-make-tables (tables/room_responses.cpp).
-// Source: the head MIT_KEMAR_normal_pinna.sofa of Debian's libmysofa1: responses of a KEMAR dummy head,
-// measured by Bill Gardner and Keith Martin, MIT Media Lab, 1994. Copyright 1994 by the MIT Media
-// Laboratory; free with no restrictions on use, provided the authors are cited.
+// The room responses. Made by "zoq-make-tables --source ." (tables/room_responses.cpp).
+// Source: the head MIT_KEMAR_normal_pinna.sofa of Debian's libmysofa1.
+// Responses of a KEMAR dummy head, measured by Bill Gardner and Keith Martin, MIT Media Lab, 1994.
+// Copyright 1994 by the MIT Media Laboratory; free with no restrictions on use, provided the authors
+// are cited.
 // Formula: direct sound of the head, diffuse-field equalised and of minimum phase, at its arrival tap; mirror
 // images of a 5.2 x 4.0 x 2.6 m room, each through the head; a diffuse tail; a high-pass that sets bin 0.
 // Azimuths 0, 30, 60 and 130 degrees; rows are half spectra of the 512-tap partitions.

@@ -59,6 +59,7 @@ void write_attributes(File& file, const Content& content) {
         {"AuthorContact", "nobody"},
         {"Organization", "none"},
         {"License", "free"},
+        {"Comment", content.comment},
     };
     for (const auto& [name, value] : attributes) {
         file.text(name, value);
@@ -107,10 +108,11 @@ void write(const std::string& path, const Content& content) {
     };
     variable("ListenerPosition", {I, C}, {0, 0, 0}, "cartesian", "metre");
     variable("ReceiverPosition", {R, C, I}, std::vector<double>(3 * content.receivers), "cartesian", "metre");
-    variable("SourcePosition", {M, C}, positions(content), "spherical", "degree, degree, metre");
+    variable("SourcePosition", {M, C}, positions(content), content.positionType.c_str(),
+             content.positionUnits.c_str());
     variable("EmitterPosition", {E, C, I}, {0, 0, 0}, "cartesian", "metre");
     variable("ListenerUp", {I, C}, {0, 0, 1}, nullptr, nullptr);
-    variable("ListenerView", {I, C}, {1, 0, 0}, "cartesian", "metre");
+    variable("ListenerView", {I, C}, content.view, "cartesian", "metre");
     variable("Data.IR", {M, R, N}, responses(content), nullptr, nullptr);
     variable("Data.SamplingRate", {I}, {content.head.rateHz}, nullptr, "hertz");
     variable("Data.Delay", {I, R}, std::vector<double>(content.receivers), nullptr, nullptr);

@@ -14,8 +14,10 @@ struct Content {
     std::string convention = "SimpleFreeFieldHRIR";
     std::string dataType = "FIR";
     size_t receivers = 2;  // the ears' responses repeat
-    std::string without;   // name of a variable to leave out
-    std::string title = "a ball";
+    std::string positionType = "spherical", positionUnits = "degree, degree, metre";
+    std::vector<double> view = {1, 0, 0};  // where the listener looks
+    std::string without;                   // name of a variable to leave out
+    std::string title = "a ball", comment;
     bool compressed = false;  // as measuring laboratories' files are
 };
 

@@ -221,7 +221,7 @@ TEST(BassSections, HaveTheGivenSetFor80Hz) {
     }
 }
 
-TEST(Comparison, FindsNumbersBeyondTheToleranceAndIgnoresComments) {
+TEST(Comparison, FindsNumbersBeyondTheToleranceAndMissingCredit) {
     using namespace zoq::tables;
     const GeneratedFile remade{
         "file", "// error 1\nconst float k[3] = {1.0f, -0.5f, 1e-06f};\n", {.ulps = 1}};
@@ -235,4 +235,8 @@ TEST(Comparison, FindsNumbersBeyondTheToleranceAndIgnoresComments) {
     const GeneratedFile loose{"file", remade.text, {.ulps = 0, .ofPeak = 1e-6}};
     EXPECT_EQ(difference("const float k[3] = {1.0f, -0.5f, 1.5e-06f};\n", loose), "");
     EXPECT_NE(difference("const float k[3] = {1.0f, -0.5f, 2.5e-06f};\n", loose), "");
+
+    const GeneratedFile credited{"file", "int k;\n", {}, "Measured\nby Jane"};
+    EXPECT_EQ(difference("// Measured\n// by Jane\nint k;\n", credited), "");
+    EXPECT_NE(difference("// Measured\nint k;\n", credited), "");
 }

@@ -82,6 +82,30 @@ TEST_F(TablesTest, EveryPropertyOfTheLibraryPasses) {
     EXPECT_EQ(report.at("passed"), properties);
 }
 
+// Tables of nothing and of what is no number are measured like others, and fail.
+TEST_F(TablesTest, TablesWithoutSenseFail) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity(),
+                    kNan = std::numeric_limits<float>::quiet_NaN();
+    for (const float value : {0.0f, kInfinity, kNan}) {
+        const std::set<std::string> names = failing(checked([&](Records& r) {
+            std::fill_n(&r.x2b.ipsiResponse[0][0][0], sizeof r.x2b.ipsiResponse / sizeof(android::creal32_T),
+                        android::creal32_T{value, value});
+            std::fill_n(&r.x2b.contraResponse[0][0][0],
+                        sizeof r.x2b.contraResponse / sizeof(android::creal32_T),
+                        android::creal32_T{value, value});
+            std::fill(std::begin(r.tws.sameSideFilter), std::end(r.tws.sameSideFilter),
+                      android::creal32_T{value, value});
+        }));
+        for (const char* row :
+             {"room response 1, 0 degrees: first arrival, tap", "room response 4, 130 degrees: bin 0",
+              "room rendering: sides, level against the dry path",
+              "room rendering: sides, direct over reverberant, same side",
+              "widening filters: same side, magnitude"}) {
+            EXPECT_EQ(names.count(row), 1u) << row << " of " << double(value);
+        }
+    }
+}
+
 // Each fault fails the row that names it, and nothing of the other tables.
 TEST_F(TablesTest, APoisonedTableFailsItsRow) {
     EXPECT_EQ(failing(checked()), std::set<std::string>{});
@@ -128,7 +152,7 @@ TEST_F(TablesTest, APoisonedTableFailsItsRow) {
                  std::copy_n(r.x2b.ipsiResponse[p][2], android::kBins, r.x2b.contraResponse[p][2]);
              }
          }},
-        {"room response 1, 0 degrees: bin 0", [](Records& r) { r.x2b.contraResponse[0][0][0].re += 1e-5f; }},
+        {"room response 1, 0 degrees: bin 0", [](Records& r) { r.x2b.contraResponse[0][0][0].re += 6e-8f; }},
         {"room response 4, 130 degrees: wrap-around",
          [](Records& r) { r.x2b.ipsiResponse[2][3][9].re += 1e-3f; }},
         {"room response 4, 130 degrees: imaginary part at bins 0 and 512",
@@ -222,6 +246,7 @@ TEST_F(TablesTest, SaysWhyAPictureOrReportIsNotThere) {
         const char* message;
     } cases[] = {
         {"zoq tables --plot picture.pdf", 2, "must be a folder or end in .svg or .png"},
+        {"zoq tables --plot -", 2, "needs a folder or a file"},
         {"zoq tables --plot nowhere/all.svg", 1, "'nowhere/all.svg': No such file"},
         {"zoq tables --plot file", 1, "cannot make the folder 'file'"},
         {"PATH=/nowhere zoq tables --plot old.svg", 1, "gnuplot is not installed"},

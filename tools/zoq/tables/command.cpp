@@ -61,10 +61,16 @@ void conclude(const std::vector<tables::TableReport>& reports, bool json) {
     }
 }
 
+// The room's loudspeakers, and the phone's two.
+constexpr tables::NeededDirection kCompared[] = {{{0, 0}, 8.0},   {{30, 0}, 8.0}, {{60, 0}, 8.0},
+                                                 {{130, 0}, 8.0}, {{10, 0}, 5.0}, {{350, 0}, 5.0}};
+
 // The head, or why there is none. A head that the user names must be there.
 std::optional<tables::Head> load_listener(const std::string& path, bool named, std::string& absent) {
     try {
-        return load_interruptible(path);
+        tables::Head head = load_interruptible(path);
+        tables::require_directions(head, kCompared);
+        return head;
     } catch (const tables::HeadError& error) {
         if (named) {
             throw;

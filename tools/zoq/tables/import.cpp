@@ -41,9 +41,9 @@ std::string source_text(const tables::RoomResponses& rooms, const tables::Head& 
                         const std::string& path) {
     std::string source = "Source: the head " + shown_name(path) + ".";
     for (const std::string& credit : head.credits) {
-        source += "\n    " + credit;
+        source += "\n" + credit;
     }
-    return tables::room_responses_file(rooms, "zoq tables import", source).text;
+    return tables::room_responses_file(rooms, "zoq tables import " + shown_name(path), source).text;
 }
 
 }  // namespace

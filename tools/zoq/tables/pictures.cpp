@@ -51,6 +51,9 @@ std::vector<Picture> pictures(const tables::Records& records) {
 
 void require_picture_or_folder(const std::string& path) {
     const std::filesystem::path name(path);
+    if (path == "-") {
+        throw UsageFailure("--plot needs a folder or a file: the report goes to standard output");
+    }
     if (!is_picture_path(path) && name.has_extension() && !std::filesystem::is_directory(name)) {
         throw UsageFailure("--plot " + quoted(path) + ": must be a folder or end in .svg or .png");
     }
