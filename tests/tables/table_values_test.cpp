@@ -37,7 +37,8 @@ TEST(TransformTables, AreTheNearestFloats) {
     const float root = 0.70710677f;
     EXPECT_TRUE(kTwiddleCos[128] == root && kTwiddleForwardSin[128] == -root);
     EXPECT_TRUE(kTwiddleCos[384] == -root && kTwiddleForwardSin[384] == -root);
-    EXPECT_TRUE(kTwiddleCos[256] == 0.0f && !std::signbit(kTwiddleCos[256]) && kTwiddleForwardSin[256] == -1.0f);
+    EXPECT_TRUE(kTwiddleCos[256] == 0.0f && !std::signbit(kTwiddleCos[256]) &&
+                kTwiddleForwardSin[256] == -1.0f);
     for (int span = 1; span < kFrameSamples; span *= 2) {
         for (int offset = 0; offset < span; ++offset) {
             EXPECT_EQ(kStageCos[span + offset], kTwiddleCos[offset * (512 / span)]) << span << " " << offset;
