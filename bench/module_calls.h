@@ -15,40 +15,38 @@ inline constexpr int kMaterialHops = 94;  // one second
 // Planar frames and hops cut from the same music, round and round.
 class Material {
   public:
-    Material() : left_(kMaterialHops * android::kHopSamples), right_(left_.size()) {
+    Material() : channels_(3, std::vector<float>(kMaterialHops * android::kHopSamples)) {
         const std::vector<int16_t> values = music(kMaterialHops * android::kHopSamples);
-        for (size_t i = 0; i < left_.size(); ++i) {
-            left_[i] = float(values[2 * i]) / 32768.0f;
-            right_[i] = float(values[2 * i + 1]) / 32768.0f;
+        for (size_t i = 0; i < channels_[0].size(); ++i) {
+            channels_[0][i] = float(values[2 * i]) / 32768.0f;
+            channels_[1][i] = float(values[2 * i + 1]) / 32768.0f;
+            channels_[2][i] = 0.5f * (channels_[0][i] + channels_[1][i]);
         }
     }
 
     // Left, right and their mean as a centre: the previous hop and the current one.
-    void frame(float* planar) {
-        using android::kFrameSamples;
-        const size_t start = size_t(next()) * android::kHopSamples;
-        for (size_t i = 0; i < kFrameSamples; ++i) {
-            planar[i] = left_[start + i];
-            planar[kFrameSamples + i] = right_[start + i];
-            planar[2 * kFrameSamples + i] = 0.5f * (left_[start + i] + right_[start + i]);
+    void frame(float* planar) { copy(3, android::kFrameSamples, planar); }
+
+    void hop(float* planar) { copy(2, android::kHopSamples, planar); }
+
+  private:
+    void copy(size_t channels, size_t samples, float* planar) {
+        position_ = (position_ + 1) % (kMaterialHops - 1);
+        for (size_t c = 0; c < channels; ++c) {
+            std::copy_n(channels_[c].data() + position_ * android::kHopSamples, samples,
+                        planar + c * samples);
         }
     }
 
-    void hop(float* planar) {
-        const size_t start = size_t(next()) * android::kHopSamples;
-        std::copy_n(left_.data() + start, android::kHopSamples, planar);
-        std::copy_n(right_.data() + start, android::kHopSamples, planar + android::kHopSamples);
-    }
-
-  private:
-    int next() { return position_ = (position_ + 1) % (kMaterialHops - 1); }
-
-    std::vector<float> left_, right_;
-    int position_ = 0;
+    std::vector<std::vector<float>> channels_;
+    size_t position_ = 0;
 };
 
 struct Rig {
-    Rig() {
+    Rig() { initialize(); }
+
+    // The records and the modules' state, which are one for everyone.
+    void initialize() {
         using namespace android;
         stereoWidening_initialization(80.0f, &b_parameterDEN, &b_parameterTWS, &b_parameterEQ,
                                       &b_parameterDRC, &b_parameterVB, &b_parameterX2B, &b_parameterGEQ);

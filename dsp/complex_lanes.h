@@ -4,7 +4,7 @@
 #include <type_traits>
 
 #include "dsp/frame.h"
-#include "dsp/lanes.h"
+#include "dsp/memory_lanes.h"
 
 namespace android::ZOQ_LEVEL {
 

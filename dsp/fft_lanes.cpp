@@ -33,6 +33,19 @@ struct StereoPair {
     }
 };
 
+// A spectrum on its way between the transform and two half spectra, where shuffles would only take its parts apart
+// and join them again. The value behind the last is the first again, or the mirror of bin 0, which is not read.
+struct Planes {
+    alignas(64) float re[kFrameSamples + kLanes];
+    alignas(64) float im[kFrameSamples + kLanes];
+};
+struct PlanesInverse {
+    const Planes* x;
+    ZOQ_MEMBER ComplexLanes row(int r) const {
+        return {in_lane_order(load(x->im + r * kLanes)), in_lane_order(load(x->re + r * kLanes))};
+    }
+};
+
 // Where its results go, kLanes at a time.
 struct ToInterleaved {
     creal32_T* y;
@@ -45,11 +58,12 @@ struct ToInterleavedInverse {
         store_ordered(&y[n].re, {z.im * scale, z.re * scale});
     }
 };
-struct ToHalved {
-    creal32_T* y;
+struct ToHalvedPlanes {
+    Planes* y;
     ZOQ_MEMBER void put(int n, ComplexLanes z) const {
         const Lanes half = broadcast(0.5f);
-        store_ordered(&y[n].re, {z.re * half, z.im * half});
+        store(y->re + n, in_lane_order(z.re * half));
+        store(y->im + n, in_lane_order(z.im * half));
     }
 };
 
@@ -64,32 +78,46 @@ ZOQ_INLINE void transform(Source source, Sink sink) {
     }
 }
 
-[[gnu::noinline]] void inverse(const creal32_T* x, creal32_T* y) {
-    transform(InterleavedInverse{x}, ToInterleavedInverse{y});
+[[gnu::noinline]] void inverse(const Planes& x, creal32_T* y) {
+    transform(PlanesInverse{&x}, ToInterleavedInverse{y});
 }
 
+// The first quarter of the table; the others follow from it by their lowest two bits.
+constexpr int kQuarter = kFrameSamples / 4;
 constexpr struct BitReversal {
-    alignas(64) int32_t of[kFrameSamples];
+    alignas(64) int32_t of[kQuarter];
     constexpr BitReversal() : of() {
-        for (int i = 0; i < kFrameSamples; ++i) {
+        for (int i = 0; i < kQuarter; ++i) {
             of[i] = reversed(i, kFrameSamples);
         }
     }
 } kBitReversal;
 
-// Whether a host has left the table as it was built.
-bool is_bit_reversal(const int32_t* table) {
-    IntLanes wrong{}, alsoWrong{};
-    for (int i = 0; i < kFrameSamples; i += 2 * kLanes) {
-        wrong |= load_ints(table + i) ^ load_ints(kBitReversal.of + i);
-        alsoWrong |= load_ints(table + i + kLanes) ^ load_ints(kBitReversal.of + i + kLanes);
+bool equals_bit_reversal(const int32_t* table) {
+    IntLanes wrong[4] = {};
+    for (int i = 0; i < kQuarter; i += kLanes) {
+        const IntLanes right = load_ints(kBitReversal.of + i);
+        wrong[0] |= load_ints(table + i) ^ right;
+        wrong[1] |= load_ints(table + kQuarter + i) ^ 2 ^ right;
+        wrong[2] |= load_ints(table + 2 * kQuarter + i) ^ 1 ^ right;
+        wrong[3] |= load_ints(table + 3 * kQuarter + i) ^ 3 ^ right;
     }
-    wrong |= alsoWrong;
+    const IntLanes all = (wrong[0] | wrong[1]) | (wrong[2] | wrong[3]);
     int32_t any = 0;
     for (int lane = 0; lane < kLanes; ++lane) {
-        any |= wrong[lane];
+        any |= all[lane];
     }
     return any == 0;
+}
+
+// Whether a host has left the table as it was built.
+ZOQ_INLINE bool is_bit_reversal(const int32_t* table) {
+    if (fftTableKnowledge.right) {
+        return true;
+    }
+    const bool right = equals_bit_reversal(table);
+    fftTableKnowledge.right = right && fftTableKnowledge.lasts;
+    return right;
 }
 
 }  // namespace
@@ -112,7 +140,7 @@ void ifft(const int32_t* target, const creal32_T* x, creal32_T* y) {
     if (!is_bit_reversal(target)) {
         return scalar::ifft(target, x, y);
     }
-    inverse(x, y);
+    transform(InterleavedInverse{x}, ToInterleavedInverse{y});
 }
 
 // The mirror of the bins k to k + kLanes - 1 begins at mirrored(k), in reversed order.
@@ -125,18 +153,20 @@ void split_stereo_spectrum(const int32_t* target, const float* left, const float
     if (!is_bit_reversal(target)) {
         return scalar::split_stereo_spectrum(target, left, right, leftHalf, rightHalf);
     }
-    alignas(64) creal32_T s[kFrameSamples + 1];
-    transform(StereoPair{left, right}, ToHalved{s});
-    s[kFrameSamples] = s[0];
+    Planes s;
+    transform(StereoPair{left, right}, ToHalvedPlanes{&s});
+    s.re[kFrameSamples] = s.re[0];  // transform filled it  NOLINT(clang-analyzer-core.uninitialized.Assign)
+    s.im[kFrameSamples] = s.im[0];
     for (int k = 0; k < kBins - 1; k += kLanes) {
-        const ComplexLanes z = load_ordered(&s[k].re), reversed = load_ordered(&s[mirrored(k)].re);
-        const ComplexLanes mirror{reverse(reversed.re), reverse(reversed.im)};
-        store_ordered(&leftHalf[k].re, {z.re + mirror.re, z.im - mirror.im});
-        store_ordered(&rightHalf[k].re, {-(z.im + mirror.im), z.re - mirror.re});
+        const Lanes re = load(s.re + k), im = load(s.im + k);
+        const Lanes mirrorRe = reverse(load(s.re + mirrored(k))),
+                    mirrorIm = reverse(load(s.im + mirrored(k)));
+        store_complex(&leftHalf[k].re, {re + mirrorRe, im - mirrorIm});
+        store_complex(&rightHalf[k].re, {-(im + mirrorIm), re - mirrorRe});
     }
-    const creal32_T middle = s[kBins - 1];  // its own mirror
-    leftHalf[kBins - 1] = {middle.re + middle.re, middle.im - middle.im};
-    rightHalf[kBins - 1] = {-(middle.im + middle.im), middle.re - middle.re};
+    constexpr int kMiddle = kBins - 1;  // its own mirror
+    leftHalf[kMiddle] = {s.re[kMiddle] + s.re[kMiddle], s.im[kMiddle] - s.im[kMiddle]};
+    rightHalf[kMiddle] = {-(s.im[kMiddle] + s.im[kMiddle]), s.re[kMiddle] - s.re[kMiddle]};
 }
 
 void merge_stereo_spectrum(const int32_t* target, const creal32_T* leftHalf, const creal32_T* rightHalf,
@@ -144,15 +174,17 @@ void merge_stereo_spectrum(const int32_t* target, const creal32_T* leftHalf, con
     if (!is_bit_reversal(target)) {
         return scalar::merge_stereo_spectrum(target, leftHalf, rightHalf, frame);
     }
-    alignas(64)
-        creal32_T s[kFrameSamples + 1];  // the mirror of bin 0 is written behind the last and not read
+    Planes s;
     for (int k = 0; k < kBins - 1; k += kLanes) {
-        const ComplexLanes a = load_ordered(&leftHalf[k].re), b = load_ordered(&rightHalf[k].re);
-        store_ordered(&s[mirrored(k)].re, {reverse(a.re + b.im), reverse(b.re - a.im)});
-        store_ordered(&s[k].re, {a.re - b.im, a.im + b.re});
+        const ComplexLanes a = load_complex(&leftHalf[k].re), b = load_complex(&rightHalf[k].re);
+        store(s.re + mirrored(k), reverse(a.re + b.im));
+        store(s.im + mirrored(k), reverse(b.re - a.im));
+        store(s.re + k, a.re - b.im);
+        store(s.im + k, a.im + b.re);
     }
     const creal32_T a = leftHalf[kBins - 1], b = rightHalf[kBins - 1];
-    s[kBins - 1] = {a.re - b.im, a.im + b.re};
+    s.re[kBins - 1] = a.re - b.im;
+    s.im[kBins - 1] = a.im + b.re;
     inverse(s, frame);
 }
 
@@ -160,13 +192,16 @@ void merge_mono_spectrum(const int32_t* target, const creal32_T* half, creal32_T
     if (!is_bit_reversal(target)) {
         return scalar::merge_mono_spectrum(target, half, frame);
     }
-    alignas(64) creal32_T s[kFrameSamples + 1];
+    Planes s;
     for (int k = 0; k < kBins - 1; k += kLanes) {
-        const ComplexLanes a = load_ordered(&half[k].re);
-        store_ordered(&s[mirrored(k)].re, {reverse(a.re), reverse(-a.im)});
-        store_ordered(&s[k].re, a);
+        const ComplexLanes a = load_complex(&half[k].re);
+        store(s.re + mirrored(k), reverse(a.re));
+        store(s.im + mirrored(k), reverse(-a.im));
+        store(s.re + k, a.re);
+        store(s.im + k, a.im);
     }
-    s[kBins - 1] = half[kBins - 1];
+    s.re[kBins - 1] = half[kBins - 1].re;
+    s.im[kBins - 1] = half[kBins - 1].im;
     inverse(s, frame);
 }
 

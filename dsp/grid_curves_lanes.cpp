@@ -6,8 +6,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "dsp/double_lanes.h"
 #include "dsp/frame.h"
-#include "dsp/lanes.h"
 
 namespace android::ZOQ_LEVEL {
 

@@ -1,6 +1,6 @@
 // The fast forms of the routines in grid.cpp.
 #include "dsp/frame.h"
-#include "dsp/lanes.h"
+#include "dsp/memory_lanes.h"
 
 namespace android::ZOQ_LEVEL {
 

@@ -1,6 +1,6 @@
 // Sections in cascade as a wavefront: while section 0 works on sample n, section 1 works on a sample before it, and
 // so on, both channels of all sections in one step. Each value is computed by the operations of filter().
-#include "dsp/lanes.h"
+#include "dsp/memory_lanes.h"
 #include "dsp/section.h"
 
 namespace android::ZOQ_LEVEL {

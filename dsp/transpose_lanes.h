@@ -1,7 +1,7 @@
 // Rows and columns of kLanes x kLanes complex values: between memory and lanes, and from rows to columns.
 #pragma once
 
-#include "dsp/lanes.h"
+#include "dsp/memory_lanes.h"
 
 namespace android::ZOQ_LEVEL {
 

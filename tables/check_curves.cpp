@@ -10,8 +10,7 @@ namespace {
 using android::kDenCurveColumns;
 using android::parameterDEN;
 
-// Coefficients of u^3, u^2, u and 1 that characterise the family, to six digits. What column 1 has beside the
-// identity is the residue of a double-precision fit.
+// Coefficients of u^3, u^2, u and 1 that characterise the family, to six digits.
 constexpr struct {
     int column;
     double coefficients[4];
@@ -23,7 +22,6 @@ constexpr struct {
     {100, {4.56978, -8.54254, 4.89881, 0.161961}},
 };
 constexpr const char* kPowers[] = {"u^3", "u^2", "u", "1"};
-constexpr double kResidue = 1e-13;
 
 // Only these columns move a bin whose channels are equally loud.
 constexpr int kFirstMoving = 77, kLastMoving = 100;
@@ -46,22 +44,13 @@ double clamped(const parameterDEN& den, int column, double u) {
     return std::isnan(value) ? value : std::clamp(value, 0.0, 1.0);
 }
 
-// Not-a-number wins against every number.
-void raise(double& most, double value) {
-    most = std::isnan(most) || most >= value ? most : value;
-}
-
-void lower(double& least, double value) {
-    least = std::isnan(least) || least <= value ? least : value;
-}
-
 Property listed_column(const parameterDEN& den, size_t i) {
     Property property{"coefficients of column " + std::to_string(kListed[i].column), "", {}};
     for (size_t row = 0; row < 4; ++row) {
         const double value = double(den.wideCurve[row][kListed[i].column - 1]);
         const double wanted = kListed[i].coefficients[row];
         const double digit = std::pow(10.0, std::floor(std::log10(std::fabs(wanted))) - 5.0);
-        const double off = std::max(0.501 * digit, kResidue);
+        const double off = 0.501 * digit;
         property.figures.push_back({kPowers[row], value, wanted - off, wanted + off});
     }
     return property;

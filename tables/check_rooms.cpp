@@ -68,7 +68,7 @@ void check_energies(const ResponseQuality& quality, const ResponsePlan& plan,
         for (int p = 0; p < kX2bPartitions; ++p) {
             const double value = decibel(quality.energy[side] * quality.share[side][size_t(p)]);
             energies.figures.push_back({"partition " + std::to_string(p), value, -kUnbounded, above});
-            above = value;
+            above = std::nextafter(value, -kUnbounded);
         }
         properties.push_back(std::move(energies));
         properties.push_back(within(kLeastShare[side], 1,

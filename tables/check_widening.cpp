@@ -23,6 +23,7 @@ constexpr struct {
 
 constexpr double kOutsideDb = -120.0;  // float rounding leaves -150
 constexpr double kCentreDb = 3.0;      // what a centred voice may gain
+constexpr double kLeastAtPeak = 0.1;   // with this sign: the filters meet dry paths
 
 // Plain stereo leaves -1 to -3 dB at the far ear; the filters are made for 10 degrees.
 constexpr struct { double degrees, most; } kSpeakers[] = {{5.0, -5.0}, {10.0, -8.0}, {15.0, -5.0}};
@@ -79,6 +80,10 @@ TableReport check_widening(const parameterTWS& tws, const Listener& listener) {
                {{"", double(quality.sameSidePeak)}}),
         within(kCrossFeedPeak, kCrossFeedPeak, "cross-feed, peak", "samples",
                {{"", double(quality.crossFeedPeak)}}),
+        within(kLeastAtPeak, kUnbounded, "same side, amplitude at its peak", "",
+               {{"", quality.sameSideAtPeak}}),
+        within(-kUnbounded, -kLeastAtPeak, "cross-feed, amplitude at its peak", "",
+               {{"", quality.crossFeedAtPeak}}),
         within(-kUnbounded, kOutsideDb, "energy outside samples 7..466", "dB", {{"", quality.outsideDb}}),
         within(-kUnbounded, kCentreDb, "centre's gain, any bin", "dB",
                {{bin_name(quality.midGainBin), quality.midGainDb}}),

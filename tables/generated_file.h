@@ -20,7 +20,6 @@ struct GeneratedFile {
     std::string path;  // below the source tree
     std::string text;
     Tolerance tolerance;
-    std::string credit = {};  // what the text must say of its source
 };
 
 // Builds the text: a comment that names maker, source, formula and error; then arrays of numbers.
@@ -45,8 +44,8 @@ class SourceText {
 std::string shortest(float value);  // "0.1f"
 std::string rounded(double value);  // two significant digits, for comments
 
-// Says where two texts differ by more than the tolerance, or nothing if they do not. Of comments only the credit is
-// compared: the errors they state may differ in a last digit.
+// Says where two texts differ by more than the tolerance, or nothing if they do not. Of the comment ahead
+// every line must be there, but what follows "Worst error" may differ; comments further down are not compared.
 std::string difference(const std::string& committed, const GeneratedFile& remade);
 
 }  // namespace zoq::tables

@@ -183,6 +183,7 @@ std::vector<std::string> credits(const File& file) {
     }
     if (attribute(file, "DatabaseName") == "MIT" &&
         attribute(file, "ListenerShortName").starts_with("KEMAR")) {
+        lines.push_back("Not in the file, but published with the measurements:");
         lines.insert(lines.end(), kKemarCredit.begin(), kKemarCredit.end());
     }
     return lines;

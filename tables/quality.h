@@ -29,8 +29,9 @@ std::array<double, kThirds> third_powers(const Signal& response);
 
 struct WideningQuality {
     int sameSidePeak, crossFeedPeak;  // samples
-    double outsideDb;                 // energy outside samples 7..466 against all, the worse of the two
-    double midGainDb;                 // highest |same + cross| of all bins: what the centre may gain
+    double sameSideAtPeak, crossFeedAtPeak;
+    double outsideDb;  // energy outside samples 7..466 against all, the worse of the two
+    double midGainDb;  // highest |same + cross| of all bins: what the centre may gain
     int midGainBin;
     std::array<double, kThirds> midThirdsDb;  // the same by thirds
     double edgeImaginary;                     // largest imaginary part at bins 0 and 512

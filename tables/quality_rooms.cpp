@@ -119,7 +119,7 @@ double coherence(const std::array<Signal, 2>& ears) {
 Interaural interaural_at(const Spectrum& near, const Spectrum& far, double hzPerBin) {
     Interaural found{};
     double highest = -1e300;
-    for (int step = 0; step <= kLongestDelay * kDelaySteps; ++step) {
+    for (int step = -kLongestDelay * kDelaySteps; step <= kLongestDelay * kDelaySteps; ++step) {
         const double delay = double(step) / kDelaySteps;
         double correlation = 0.0;
         for (size_t k = size_t(kDelayFromHz / hzPerBin); double(k) * hzPerBin < kDelayToHz; ++k) {
@@ -201,8 +201,8 @@ ResponseQuality measure_response(const RoomTables& rooms, int r) {
             total[s] += quality.share[s][size_t(p)];
             all += energy(x);
             wrapped += energy({x.begin() + kHopSamples, x.end()});
-            quality.edgeImaginary = std::max({quality.edgeImaginary, std::fabs(double(bins.front().im)),
-                                              std::fabs(double(bins.back().im))});
+            raise(quality.edgeImaginary, std::fabs(double(bins.front().im)));
+            raise(quality.edgeImaginary, std::fabs(double(bins.back().im)));
         }
         for (double& share : quality.share[s]) {
             share /= total[s];

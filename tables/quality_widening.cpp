@@ -49,11 +49,14 @@ WideningQuality measure_widening(Bins sameSide, Bins crossFeed) {
     WideningQuality quality{};
     quality.sameSidePeak = peak(same);
     quality.crossFeedPeak = peak(cross);
-    quality.outsideDb = std::max(outside_db(same), outside_db(cross));
+    quality.sameSideAtPeak = same[size_t(quality.sameSidePeak)];
+    quality.crossFeedAtPeak = cross[size_t(quality.crossFeedPeak)];
+    quality.outsideDb = outside_db(same);
+    raise(quality.outsideDb, outside_db(cross));
     quality.midGainDb = -1000.0;
     for (int k = 0; k < kBins; ++k) {
         const double gain = decibel(std::norm(value(sameSide, k) + value(crossFeed, k)) + 1e-30);
-        if (!(gain <= quality.midGainDb)) {
+        if (!(gain <= quality.midGainDb) && !std::isnan(quality.midGainDb)) {
             quality.midGainDb = gain;
             quality.midGainBin = k;
         }
@@ -64,7 +67,7 @@ WideningQuality measure_widening(Bins sameSide, Bins crossFeed) {
     std::transform(powers.begin(), powers.end(), quality.midThirdsDb.begin(), decibel);
     for (const Bins filter : {sameSide, crossFeed}) {
         for (const int k : {0, kBins - 1}) {
-            quality.edgeImaginary = std::max(quality.edgeImaginary, std::fabs(value(filter, k).imag()));
+            raise(quality.edgeImaginary, std::fabs(value(filter, k).imag()));
         }
     }
     return quality;

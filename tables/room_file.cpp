@@ -58,7 +58,7 @@ Worst error: )" + worst_error(rooms.tables()));
     add_table(text, "kContraResponse", rooms.oppositeSide);
     // Small values lose digits to the rounding of sums whose order is the compiler's: 1e-12 of the peak.
     // Allowed is half a unit in the last place of the largest value.
-    return {"modules/x2b/x2b_tables.cpp", text.finish(), {.ulps = 1, .ofPeak = 0x1p-24}, source};
+    return {"modules/x2b/x2b_tables.cpp", text.finish(), {.ulps = 1, .ofPeak = 0x1p-24}};
 }
 
 }  // namespace zoq::tables

@@ -130,6 +130,14 @@ double decibel(double power) {
     return 10.0 * std::log10(power);
 }
 
+void raise(double& most, double value) {
+    most = std::isnan(most) || most >= value ? most : value;
+}
+
+void lower(double& least, double value) {
+    least = std::isnan(least) || least <= value ? least : value;
+}
+
 double raised_cosine(double x, double from, double to) {
     const double t = std::clamp((x - from) / (to - from), 0.0, 1.0);
     return 0.5 - 0.5 * std::cos(std::numbers::pi * t);

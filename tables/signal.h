@@ -18,6 +18,10 @@ Signal inverse_transform(const Spectrum& bins);
 double energy(const Signal& x);
 double decibel(double power);
 
+// The greatest and the least so far; not-a-number wins against every number.
+void raise(double& most, double value);
+void lower(double& least, double value);
+
 // Mean of a spectrum of powers over a band of so many octaves around each bin.
 Signal octave_smooth(const Signal& power, double octaves);
 

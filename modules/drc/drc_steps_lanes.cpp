@@ -1,6 +1,7 @@
 // The fast forms of the steps in drc_steps.cpp.
 #include <bit>
 
+#include "dsp/memory_lanes.h"
 #include "dsp/quads.h"
 #include "modules/drc/drc_steps.h"
 

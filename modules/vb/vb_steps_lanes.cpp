@@ -1,4 +1,5 @@
 // The fast forms of the steps in vb_steps.cpp.
+#include "dsp/memory_lanes.h"
 #include "dsp/quads.h"
 #include "modules/vb/vb_steps.h"
 

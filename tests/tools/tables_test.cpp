@@ -1,9 +1,11 @@
 // zoq tables: the report that everything passes, the report that something does not, and the pictures.
 #include "tools/zoq/tables/report.h"
 
+#include <complex>
 #include <functional>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <numbers>
 #include <set>
 
 #include "tables/head_file.h"
@@ -173,6 +175,30 @@ TEST_F(TablesTest, APoisonedTableFailsItsRow) {
                  }
              }
          }},
+        {"room response 3, 60 degrees: imaginary part at bins 0 and 512",
+         [](Records& r) { r.x2b.ipsiResponse[3][2][0].im = std::numeric_limits<float>::quiet_NaN(); }},
+        {"widening filters: imaginary part at bins 0 and 512",
+         [](Records& r) { r.tws.sameSideFilter[0].im = std::numeric_limits<float>::quiet_NaN(); }},
+        {"widening filters: energy outside samples 7..466",
+         [](Records& r) { r.tws.crossFeedFilter[100].re = std::numeric_limits<float>::quiet_NaN(); }},
+        {"widening filters: centre's gain, any bin",
+         [](Records& r) { r.tws.crossFeedFilter[100].re = std::numeric_limits<float>::quiet_NaN(); }},
+        {"widening filters: cross-feed, amplitude at its peak",
+         [](Records& r) {
+             for (auto& bin : r.tws.crossFeedFilter) {
+                 bin = {-bin.re, -bin.im};
+             }
+         }},
+        {"room response 1, 0 degrees: interaural delay",
+         [](Records& r) {  // the opposite ear four samples early
+             for (int k = 0; k < android::kBins; ++k) {
+                 auto& bin = r.x2b.contraResponse[0][0][k];
+                 const auto turned =
+                     std::complex<double>(double(bin.re), double(bin.im)) *
+                     std::polar(1.0, 2.0 * std::numbers::pi * 4.0 * k / android::kFrameSamples);
+                 bin = {float(turned.real()), float(turned.imag())};
+             }
+         }},
         {"virtual-bass sets, by cutoff: low-pass, corner over cutoff",
          [](Records& r) { std::copy_n(r.vb[3].lowpassSos, 18, r.vb[4].lowpassSos); }},
         {"virtual-bass sets, by cutoff: largest pole radius",
@@ -221,11 +247,11 @@ TEST_F(TablesTest, DrawsPictures) {
     EXPECT_EQ(tables("--plot new/folder").code, 0);
     const std::pair<const char*, std::vector<const char*>> pictures[] = {
         {"all.svg",
-         {"widening filters: magnitude", "opposite ear, decay", "wideAmount 4", "frequency (Hz)",
+         {"widening filters: magnitude", "opposite ear, power per sample", "wideAmount 4", "frequency (Hz)",
           "gain (dB)"}},
         {"new/folder/widening.svg", {"time (samples at 48 kHz)", "checkpoints", "cross-feed"}},
         {"new/folder/pan-curves.svg", {"pan (0 centre, 1 side)", "new pan"}},
-        {"new/folder/rooms.svg", {"time (ms)", "power per sample (dB)", "130 degrees"}},
+        {"new/folder/rooms.svg", {"time (ms)", "level (dB)", "130 degrees"}},
         {"new/folder/virtual-bass.svg", {"output high-pass, 80 Hz"}},
     };
     for (const auto& [file, words] : pictures) {

@@ -47,6 +47,16 @@ std::string unknown_command(const CLI::App& app, int argc, char** argv) {
     return "";
 }
 
+// The words that chose the command: "zoq tables import".
+std::string chosen_command(const CLI::App& app) {
+    std::string words = app.get_name();
+    for (const CLI::App* chosen = &app; !chosen->get_subcommands().empty();) {
+        chosen = chosen->get_subcommands().front();
+        words += " " + chosen->get_name();
+    }
+    return words;
+}
+
 int run(CLI::App& app, int argc, char** argv) {
     try {
         app.parse(argc, argv);
@@ -57,10 +67,8 @@ int run(CLI::App& app, int argc, char** argv) {
         return print(std::string(version.what()) + "\n");
     } catch (const CLI::ParseError& error) {
         const std::string unknown = unknown_command(app, argc, argv);
-        if (!unknown.empty()) {
-            return fail("unknown command '" + unknown + "' (zoq --help)", zoq::kExitUsage);
-        }
-        return fail(error.what() + std::string(" (zoq --help)"), zoq::kExitUsage);
+        const std::string message = unknown.empty() ? error.what() : "unknown command '" + unknown + "'";
+        return fail(message + " (" + chosen_command(app) + " --help)", zoq::kExitUsage);
     }
 }
 

@@ -116,11 +116,18 @@ void add_import_command(CLI::App& app, const std::shared_ptr<Command>& command) 
     import->add_flag("--check", command->import.check, "write nothing")
         ->excludes(const_cast<CLI::Option*>(output));
     import->add_flag("--json", command->importJson, "print the report as JSON");
-    import->callback([command] { run_import(*command);
-});
+    import->callback([command, tables = &app] {
+        for (const char* option : {"--json", "--plot", "--head"}) {
+            if (tables->count(option) > 0) {
+                throw UsageFailure(std::string(option) + " stands ahead of import, which takes its options behind it");
+}
 }  // namespace
-
+run_import(*command);
 }  // namespace zoq
+);
+}
+
+}  // namespace
 
 void add_tables_command(CLI::App& app) {
     CLI::App* tables =
@@ -130,6 +137,7 @@ void add_tables_command(CLI::App& app) {
     tables->add_flag("--json", command->json, "print the report as JSON");
     tables
         ->add_option("--plot", command->plot, "draw the tables: one picture (.svg, .png) or a folder of .svg")
+        ->check([](const std::string& name) { return name.empty() ? "needs a name" : ""; })
         ->option_text("FILE|DIR");
     tables
         ->add_option("--head", command->head,

@@ -48,7 +48,7 @@ Panel widening_magnitudes(const android::parameterTWS& tws) {
                 block("cross_points", checkpoints(tables::kCrossFeedCheckpoints)),
             std::string(gnuplot::kFrequencyAxis) +
                 "set title 'widening filters: magnitude'\n"
-                "set xrange [40:24000]\nset yrange [-60:15]\nset ytics 10\nset ylabel 'gain (dB)'\n"
+                "set xrange [40:24000]\nset yrange [-45:15]\nset ytics 10\nset ylabel 'gain (dB)'\n"
                 "set key bottom center\n" +
                 joined({line("$magnitudes", "1:2", "same side", 0, 2.5),
                         line("$magnitudes", "1:3", "cross-feed", 1, 2.5),

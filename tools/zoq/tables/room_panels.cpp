@@ -78,9 +78,9 @@ Panel room_decay(const tables::RoomTables& rooms, int side) {
     }
     return {block("level_" + name, levels) + block("left_" + name, left),
             std::string("set title 'room responses: ") + side_name(side) +
-                ", decay; dashed: energy still to come'\n"
+                ", power per sample; dashed: energy still to come'\n"
                 "set xrange [0:42.7]\nset yrange [-110:5]\nset ytics 20\nset xlabel 'time (ms)'\n"
-                "set ylabel 'power per sample (dB)'\n" +
+                "set ylabel 'level (dB)'\n" +
                 joined(lines)};
 }
 
