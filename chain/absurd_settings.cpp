@@ -35,18 +35,26 @@ bool equalizer_absurd(const parameterGEQ& geq) {
 
 }  // namespace
 
-bool headphone_settings_absurd(const parameterDEN& den, const parameterX2B& x2b, const parameterGEQ& geq) {
-    return !kSpeechGain.holds(load_shared(den.centerSpeechGain)) ||
-           !kWidth.holds(load_shared(x2b.surroundWidth)) || !kMakeup.holds(x2b.headphoneDrc.compMakeup) ||
-           equalizer_absurd(geq);
+HopSettings hop_settings(const parameterDEN& den, const parameterTWS& tws, const parameterEQ& eq,
+                         const parameterVB& vb, const parameterX2B& x2b) {
+    return {
+        .centerSpeechGain = load_shared(den.centerSpeechGain),
+        .stereoWidth = load_shared(tws.stereoWidth),
+        .surroundWidth = load_shared(x2b.surroundWidth),
+        .trebleGain = load_shared(eq.trebleGain),
+        .boostLin = load_shared(vb.boostLin),
+    };
 }
 
-bool speaker_settings_absurd(const parameterDEN& den, const parameterTWS& tws, const parameterEQ& eq,
-                             const parameterDRC& drc, const parameterVB& vb, const parameterGEQ& geq) {
-    return !kSpeechGain.holds(load_shared(den.centerSpeechGain)) ||
-           !kWidth.holds(load_shared(tws.stereoWidth)) || !kTrebleGain.holds(load_shared(eq.trebleGain)) ||
-           !kMakeup.holds(drc.compMakeup) || !kBassBoost.holds(load_shared(vb.boostLin)) ||
-           equalizer_absurd(geq);
+bool headphone_settings_absurd(const HopSettings& hop, const parameterDRC& drc, const parameterGEQ& geq) {
+    return !kSpeechGain.holds(hop.centerSpeechGain) || !kWidth.holds(hop.surroundWidth) ||
+           !kMakeup.holds(drc.compMakeup) || equalizer_absurd(geq);
+}
+
+bool speaker_settings_absurd(const HopSettings& hop, const parameterDRC& drc, const parameterGEQ& geq) {
+    return !kSpeechGain.holds(hop.centerSpeechGain) || !kWidth.holds(hop.stereoWidth) ||
+           !kTrebleGain.holds(hop.trebleGain) || !kMakeup.holds(drc.compMakeup) ||
+           !kBassBoost.holds(hop.boostLin) || equalizer_absurd(geq);
 }
 
 }  // namespace android

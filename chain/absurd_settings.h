@@ -12,9 +12,17 @@
 
 namespace android {
 
+// The user's settings as a hop finds them. Other threads may change them meanwhile; a hop that uses no others than
+// those judged at its start can be told to have run under absurd ones, however soon these were withdrawn.
+struct HopSettings {
+    float centerSpeechGain, stereoWidth, surroundWidth, trebleGain, boostLin;
+};
+
+HopSettings hop_settings(const parameterDEN& den, const parameterTWS& tws, const parameterEQ& eq,
+                         const parameterVB& vb, const parameterX2B& x2b);
+
 // Whether a setting that the route uses lies beyond twice its range or is not a number.
-bool headphone_settings_absurd(const parameterDEN& den, const parameterX2B& x2b, const parameterGEQ& geq);
-bool speaker_settings_absurd(const parameterDEN& den, const parameterTWS& tws, const parameterEQ& eq,
-                             const parameterDRC& drc, const parameterVB& vb, const parameterGEQ& geq);
+bool headphone_settings_absurd(const HopSettings& hop, const parameterDRC& drc, const parameterGEQ& geq);
+bool speaker_settings_absurd(const HopSettings& hop, const parameterDRC& drc, const parameterGEQ& geq);
 
 }  // namespace android

@@ -7,7 +7,6 @@
 #include "dsp/fft_table_scope.h"
 #include "dsp/grid.h"
 #include "dsp/poison.h"
-#include "dsp/shared_value.h"
 
 namespace android {
 
@@ -40,13 +39,11 @@ void reset_after_absurd_settings(bool absurd) {
     wasAbsurd = absurd;
 }
 
-void headphone_control_values(const parameterX2B& x2b, parameterDEN& den) {
-    const float w = load_shared(x2b.surroundWidth);
+void headphone_control_values(float w, parameterDEN& den) {
     den.wideAmount = w >= 0.8f ? (w - 0.8f) * 20.0f : 0.0f;
 }
 
-void speaker_control_values(parameterTWS& tws, parameterDEN& den) {
-    const float s = load_shared(tws.stereoWidth);
+void speaker_control_values(float s, parameterTWS& tws, parameterDEN& den) {
     if (s > 0.5f) {
         const float p = (s - 0.5f) * kWidthStep;
         den.wideAmount = (s - 0.5f) * 8.0f;
@@ -62,13 +59,13 @@ void overlap_add(const float* frame, Overlap& buffer) {
 }
 
 // Returns the working channel count: 1, 2 or 3.
-int analyse(float* frameIn, float channelCount, const parameterDEN& den) {
+int analyse(float* frameIn, float channelCount, float speechGain, const parameterDEN& den) {
     if (channelCount != 2.0f) {
         std::copy_n(frameIn, kFrameSamples, overlap[0].current());
         return 1;
     }
-    DialogueEnhancementWide(frameIn, den.smoothFactor, load_shared(den.centerSpeechGain), den.baseGain,
-                            den.wideAmount, den.stereoOutput, den.wideCurve[0], den.bandEnd, den.bandStart);
+    DialogueEnhancementWide(frameIn, den.smoothFactor, speechGain, den.baseGain, den.wideAmount,
+                            den.stereoOutput, den.wideCurve[0], den.bandEnd, den.bandStart);
     int channels = 2;
     if (den.stereoOutput != 1.0f) {
         float* centre = frameIn + 2 * kFrameSamples;
@@ -98,10 +95,11 @@ void equalize(float* hop, float channels, const parameterGEQ& geq) {
                 geq.bandWarp);
 }
 
-void headphone_route(int channels, const parameterX2B& x2b, const parameterGEQ& geq, float* frameOut) {
+void headphone_route(int channels, float width, const parameterX2B& x2b, const parameterGEQ& geq,
+                     float* frameOut) {
     float planar[kChainChannels * kFrameSamples];
     gather_completed(planar);
-    X2Binaural_v1(planar, float(channels), &x2b, frameOut);
+    X2Binaural_v1(planar, float(channels), &x2b, width, frameOut);
     equalize(frameOut, 2.0f, geq);
     compress(frameOut, 2.0f, x2b.headphoneDrc);
 }
@@ -127,19 +125,19 @@ void widen(int channels, const parameterTWS& tws, float* frameOut) {
     }
 }
 
-void speaker_route(int channels, const parameterTWS& tws, const parameterEQ& eq, const parameterDRC& drc,
-                   const parameterVB& vb, const parameterGEQ& geq, float* frameOut) {
+void speaker_route(int channels, const HopSettings& hop, const parameterTWS& tws, const parameterEQ& eq,
+                   const parameterDRC& drc, const parameterVB& vb, const parameterGEQ& geq, float* frameOut) {
     for (Overlap& buffer : overlap) {
         scale(0.5f, kHopSamples, buffer.current());
     }
     widen(channels, tws, frameOut);
     const float n = channels > 1 ? 2.0f : 1.0f;
     equalize(frameOut, n, geq);
-    if (load_shared(vb.boostLin) > -1.0f) {
-        virtualbassFunction_monoLC(frameOut, n, &vb);
+    if (hop.boostLin > -1.0f) {
+        virtualbassFunction_monoLC(frameOut, n, &vb, hop.boostLin);
     }
     equalization_peak(frameOut, n, eq.peakSectionCount, eq.peakSos, eq.trebleSectionCount, eq.trebleSos,
-                      load_shared(eq.trebleGain), eq.finalSos, eq.finalPassCount);
+                      hop.trebleGain, eq.finalSos, eq.finalPassCount);
     compress(frameOut, n, drc);
 }
 
@@ -157,18 +155,19 @@ void stereoWidening_frame(float* frameIn, float channelCount, uint8_t headphone,
                           const parameterVB* vb, const parameterX2B* x2b, const parameterGEQ* geq,
                           float* frameOut) {
     const UnchangedFftTable scope;
-    reset_after_absurd_settings(headphone != 0 ? headphone_settings_absurd(*den, *x2b, *geq)
-                                               : speaker_settings_absurd(*den, *tws, *eq, *drc, *vb, *geq));
+    const HopSettings hop = hop_settings(*den, *tws, *eq, *vb, *x2b);
+    reset_after_absurd_settings(headphone != 0 ? headphone_settings_absurd(hop, x2b->headphoneDrc, *geq)
+                                               : speaker_settings_absurd(hop, *drc, *geq));
     if (headphone != 0) {
-        headphone_control_values(*x2b, *den);
+        headphone_control_values(hop.surroundWidth, *den);
     } else {
-        speaker_control_values(*tws, *den);
+        speaker_control_values(hop.stereoWidth, *tws, *den);
     }
-    const int channels = analyse(frameIn, channelCount, *den);
+    const int channels = analyse(frameIn, channelCount, hop.centerSpeechGain, *den);
     if (headphone != 0) {
-        headphone_route(channels, *x2b, *geq, frameOut);
+        headphone_route(channels, hop.surroundWidth, *x2b, *geq, frameOut);
     } else {
-        speaker_route(channels, *tws, *eq, *drc, *vb, *geq, frameOut);
+        speaker_route(channels, hop, *tws, *eq, *drc, *vb, *geq, frameOut);
     }
     shift();
 }

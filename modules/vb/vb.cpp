@@ -85,7 +85,7 @@ void filter_by(const float* sos, float sectionCount, StereoDelays* delays, int c
 }
 
 // From the mono hop's bass band to what is added to every channel, in place.
-void process_bass(const parameterVB& p, float* bass) {
+void process_bass(const parameterVB& p, float boostLin, float* bass) {
     Cascade band(1);
     band.append_matrix(p.lowpassSos, p.lowpassSections, state.lowpass);
     band.append_matrix(p.bandHighpassSos, p.bandHighpassSections, state.bandHighpass);
@@ -98,7 +98,7 @@ void process_bass(const parameterVB& p, float* bass) {
     b_log10(slow);
     vb_exponents(fast, slow, p, exponent);
     power(10.0f, exponent, gain);
-    vb_boost(gain, p, load_shared(p.boostLin), &state.curves, harmonics);
+    vb_boost(gain, p, boostLin, &state.curves, harmonics);
     interp1_fac3(harmonics, bass);
     filter_by(p.harmonicLowpassSos, p.harmonicLowpassSections, state.harmonicLowpass, 1, bass);
 }
@@ -130,10 +130,14 @@ void factory_contents(float cutoffHz, parameterVB* record) {
 }
 
 void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters) {
+    virtualbassFunction_monoLC(io, channels, parameters, load_shared(parameters->boostLin));
+}
+
+void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters, float boostLin) {
     const parameterVB& p = *parameters;
     float bass[kHopSamples];
     mix_to_mono(io, channels, bass);
-    process_bass(p, bass);
+    process_bass(p, boostLin, bass);
     const int count = count_within(channels, kMaxChannels);
     if (count > 0) {
         filter_by(p.inputHighpassSos, p.inputHighpassSections, state.inputHighpass, count, io);

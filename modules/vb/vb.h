@@ -49,6 +49,9 @@ void factory_contents(float cutoffHz, parameterVB* record);
 // Memories that a hostile setting has poisoned are reset at the end of the hop (dsp/poison.h).
 void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters);
 
+// The same with a boost of the caller's in place of the record's, which other threads may change.
+void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters, float boostLin);
+
 // Filter memories and envelopes go to zero, the smoothed gain to 1.
 void virtualbassFunction_monoLC_init();
 

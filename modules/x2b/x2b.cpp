@@ -221,9 +221,14 @@ void factory_contents(parameterX2B* record) {
 }
 
 void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float* out) {
+    X2Binaural_v1(in, channels, parameters, load_shared(parameters->surroundWidth), out);
+}
+
+void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float surroundWidth,
+                   float* out) {
     const int channelCount = channel_count(channels);
     const int partitions = partition_count(parameters->numPartitions);
-    const X2bRendering rendering = rendering_of(load_shared(parameters->surroundWidth), channelCount);
+    const X2bRendering rendering = rendering_of(surroundWidth, channelCount);
     X2bInputs x;
     analyse(in, channelCount, x);
     x2b_accumulate_kernel.run({{&state, sizeof state}}, x, channelCount, partitions, parameters, rendering,

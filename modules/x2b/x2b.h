@@ -40,6 +40,10 @@ void factory_contents(parameterX2B* record);
 // the plain input and the opposite ear's paths are off.
 void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float* out);
 
+// The same with a width of the caller's in place of the record's, which other threads may change.
+void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float surroundWidth,
+                   float* out);
+
 // The accumulator goes to zero. Whatever it holds leaves it within four hops: it needs no other care.
 void X2Binaural_v1_init();
 

@@ -66,8 +66,8 @@ void TWSmobile_freq(const float* in, const parameterTWS* parameters, float* out)
     std::fill_n(out, kHops, 0.25f);
 }
 
-void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float* out) {
-    note("x2b", {channels}, {parameters, out}, in, kFrames);
+void X2Binaural_v1(const float* in, float channels, const parameterX2B* parameters, float width, float* out) {
+    note("x2b", {channels, width}, {parameters, out}, in, kFrames);
     std::fill_n(out, kHops, 0.75f);
 }
 
@@ -75,8 +75,8 @@ void graphicalEQ(float* io, float channels, float count, const float* gains, flo
     note("geq", {channels, count, q}, {io, gains, warp}, io, kHops);
 }
 
-void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters) {
-    note("vb", {channels}, {io, parameters}, io, kHops);
+void virtualbassFunction_monoLC(float* io, float channels, const parameterVB* parameters, float boost) {
+    note("vb", {channels, boost}, {io, parameters}, io, kHops);
 }
 
 void equalization_peak(float* io, float channels, float peaks, const float* peakSos, float trebles,

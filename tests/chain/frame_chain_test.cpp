@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -190,7 +191,7 @@ TEST_F(FrameChain, HandsTwoCompletedHopsToTheFrequencyDomainStages) {
                 before[k] = current;
             }
             if (headphone) {
-                EXPECT_EQ(call("x2b").numbers, Signal{channels});
+                EXPECT_EQ(call("x2b").numbers, (Signal{channels, 0.0f}));
             }
             EXPECT_EQ(out, Signal(2 * kHop, headphone ? 0.75f : 0.25f));
         }
@@ -215,7 +216,7 @@ TEST_F(FrameChain, OneChannelReplacesTheFrameAndLetsTheOthersDrain) {
 
         out = hop(frames[3], channels, 1);
         EXPECT_EQ(names(), (Names{"x2b", "geq", "drc"}));
-        EXPECT_EQ(call("x2b").numbers, Signal{1.0f});
+        EXPECT_EQ(call("x2b").numbers, (Signal{1.0f, 0.0f}));
         EXPECT_EQ(call("geq").numbers.at(0), 2.0f);
         EXPECT_EQ(part(call("x2b").buffer, kHop, kHop), part(frames[3], 0, kHop));
         EXPECT_EQ(part(call("x2b").buffer, kFrame + kHop, kHop), Signal(kHop));
@@ -251,7 +252,7 @@ TEST_F(FrameChain, CallsTheModulesOfARouteInOrderWithTheirRecords) {
     EXPECT_EQ(call("tws").pointers, (Pointers{&r.tws, out.data()}));
     EXPECT_EQ(call("geq").numbers, (Signal{2, kGeqBands, 105}));  // no more than the record holds
     EXPECT_EQ(call("geq").pointers, (Pointers{out.data(), r.geq.bandGainDb, r.geq.bandWarp}));
-    EXPECT_EQ(call("vb").numbers, Signal{2});
+    EXPECT_EQ(call("vb").numbers, (Signal{2, -0.99f}));
     EXPECT_EQ(call("vb").pointers, (Pointers{out.data(), &r.vb}));
     EXPECT_EQ(call("eq").numbers, (Signal{2, 106, 107, 108, 109}));
     EXPECT_EQ(call("eq").pointers, (Pointers{out.data(), r.eq.peakSos, r.eq.trebleSos, r.eq.finalSos}));
@@ -267,16 +268,56 @@ TEST_F(FrameChain, CallsTheModulesOfARouteInOrderWithTheirRecords) {
     }
 
     r.vb.boostLin = 2.5f;
+    r.x2b.surroundWidth = 0.7f;
     r.geq.bandCount = 7.0f;
     run(1);
     EXPECT_EQ(names(), (Names{"den", "x2b", "geq", "drc"}));
-    EXPECT_EQ(call("x2b").numbers, Signal{3});
+    EXPECT_EQ(call("x2b").numbers, (Signal{3, 0.7f}));
     EXPECT_EQ(call("x2b").pointers, (Pointers{&r.x2b, out.data()}));
     EXPECT_EQ(call("geq").numbers, (Signal{2, 7, 105}));
     EXPECT_EQ(call("drc").numbers, Signal{2});
     const parameterDRC& drc = r.x2b.headphoneDrc;
     EXPECT_EQ(call("drc").pointers,
               (Pointers{out.data(), &drc.compThreshold, &drc.limThreshold, &drc.expThreshold}));
+}
+
+// Another thread may set and withdraw an absurd value at any time. A hop uses what it was judged by, so that the one
+// behind it knows what the memories hold.
+TEST_F(FrameChain, UsesTheSettingsThatItFindsAtTheStartOfAHop) {
+    const auto storeAll = [&](float value) {
+        for (float* setting : {&r.den.centerSpeechGain, &r.tws.stereoWidth, &r.x2b.surroundWidth,
+                               &r.eq.trebleGain, &r.vb.boostLin}) {
+            *setting = value;
+        }
+    };
+    r.drc.compMakeup = r.x2b.headphoneDrc.compMakeup = r.geq.bandQ = 1.0f;
+    std::fill(std::begin(r.geq.bandWarp), std::end(r.geq.bandWarp), 1.0f);
+    float meanwhile = 0.0f;
+    fake_modules::enhance = [&](float*) { storeAll(meanwhile); };
+    const auto resets = [] {
+        const Names all = names();
+        return std::count(all.begin(), all.end(), "vb reset");
+    };
+    for (const uint8_t headphone : {uint8_t{0}, uint8_t{1}}) {
+        for (const float first : {1.0f, 1e9f}) {
+            storeAll(1.0f);
+            meanwhile = 1.0f;
+            hop({}, 2.0f, headphone);
+            storeAll(first);
+            meanwhile = first == 1.0f ? 1e9f : 1.0f;
+            hop({}, 2.0f, headphone);
+            EXPECT_EQ(call("den").numbers.at(1), first);
+            if (headphone != 0) {
+                EXPECT_EQ(call("x2b").numbers, (Signal{2.0f, first}));
+            } else {
+                EXPECT_EQ(call("vb").numbers, (Signal{2.0f, first}));
+                EXPECT_EQ(call("eq").numbers.at(3), first);
+            }
+            storeAll(1.0f);
+            hop({}, 2.0f, headphone);
+            EXPECT_EQ(resets(), first == 1.0f ? 0 : 1);
+        }
+    }
 }
 
 TEST_F(FrameChain, ResetsEveryModuleAndItsOwnBuffers) {

@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <functional>
 #include <string>
+#include <thread>
 
 #include "dsp/poison.h"
+#include "dsp/shared_value.h"
 #include "host/configuration.h"
 #include "tests/host/engine.h"
 #include "tests/host/setting_rows.h"
@@ -87,7 +90,7 @@ class Recovery : public ::testing::TestWithParam<int> {
 };
 
 TEST_P(Recovery, FollowsEveryHostileSettingWithinASecond) {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef ZOQ_SANITIZED
     const char* const values[] = {"nan", "-1e38"};  // each a way of its own through the arithmetic
 #else
     const char* const values[] = {"nan", "inf", "-inf", "1e38", "-1e38", "1e9", "-1e4", "1000", "300"};
@@ -111,6 +114,31 @@ TEST_P(Recovery, FollowsEveryHostileSettingWithinASecond) {
     }
     RecordProperty("kinds", kinds);
     EXPECT_EQ(lasting, 0) << "of " << kinds << " kinds";
+}
+
+// Set and withdrawn by another thread in less than a hop.
+TEST_P(Recovery, FollowsSettingsThatComeAndGoWithinAHop) {
+    for (float* setting :
+         {&b_parameterVB.boostLin, &b_parameterEQ.trebleGain, &b_parameterDEN.centerSpeechGain,
+          &b_parameterTWS.stereoWidth, &b_parameterX2B.surroundWidth}) {
+        std::atomic<bool> stop = false;
+        std::thread flicker;
+        const auto comeAndGo = [&] {
+            const float sane = *setting;
+            flicker = std::thread([&stop, setting, sane] {
+                while (!stop) {
+                    store_shared(*setting, 1e6f);
+                    store_shared(*setting, sane);
+                }
+            });
+        };
+        const auto end = [&] {
+            stop = true;
+            flicker.join();
+        };
+        EXPECT_GE(ratio_db(undisturbed, heard(GetParam(), comeAndGo, end)), kLeastRatioDb)
+            << "once at " << *setting;
+    }
 }
 
 // Hosts can write the records as well; what they restore is all they need to touch.

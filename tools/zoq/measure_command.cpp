@@ -25,7 +25,7 @@ const std::map<std::string, Measure> kMeasures = {
 const std::map<std::string, Excitation> kExcitations = {
     {"mid", Excitation::kMid}, {"side", Excitation::kSide}, {"left", Excitation::kLeft}};
 
-struct Command {
+struct MeasureCommand {
     MeasureOptions options;
     std::string what = "all";
     std::string excitation = "mid";
@@ -35,7 +35,7 @@ struct Command {
     std::string picture;
 };
 
-constexpr char kFooter[] =
+constexpr char kMeasureFooter[] =
     "The engine is measured from outside: every measurement starts it anew, plays 16-bit sound through its "
     "entry\n"
     "points, and looks at what comes out once processing is faded in.\n"
@@ -66,7 +66,7 @@ constexpr char kFooter[] =
     "\n"
     "Exit code: 0 done; 1 a file cannot be read or written; 2 the command line is wrong.";
 
-void add_measure_options(CLI::App& app, Command& command) {
+void add_measure_options(CLI::App& app, MeasureCommand& command) {
     app.add_option("--what", command.what,
                    "response, impulse, latency, distortion, static, dynamics, crosstalk, clicks, joined by "
                    "commas; or "
@@ -94,7 +94,7 @@ void add_measure_options(CLI::App& app, Command& command) {
         ->option_text("HZ");
 }
 
-void add_output_options(CLI::App& app, Command& command) {
+void add_output_options(CLI::App& app, MeasureCommand& command) {
     app.add_flag("--json", command.json, "print everything as JSON instead of text");
     app.add_option("--csv", command.csv, "write everything as a table; '-' prints it instead of text")
         ->option_text("FILE");
@@ -120,7 +120,7 @@ std::set<Measure> chosen(const std::string& list) {
     return measures;
 }
 
-void check(const Command& command) {
+void check(const MeasureCommand& command) {
     if (command.json && command.csv == "-") {
         throw UsageFailure("--json and --csv - both want standard output");
     }
@@ -138,7 +138,7 @@ void check(const Command& command) {
     }
 }
 
-void run(Command& command) {
+void run_measure(MeasureCommand& command) {
     MeasureOptions& options = command.options;
     check(command);
     options.what = chosen(command.what);
@@ -160,12 +160,12 @@ void run(Command& command) {
 
 void add_measure_command(CLI::App& app) {
     CLI::App* measure = app.add_subcommand("measure", "Measure what the engine does at given settings");
-    measure->footer(kFooter);
-    const auto command = std::make_shared<Command>();
+    measure->footer(kMeasureFooter);
+    const auto command = std::make_shared<MeasureCommand>();
     add_settings_options(*measure, command->options.engine);
     add_measure_options(*measure, *command);
     add_output_options(*measure, *command);
-    measure->callback([command] { run(*command); });
+    measure->callback([command] { run_measure(*command); });
 }
 
 }  // namespace zoq

@@ -13,12 +13,12 @@ namespace zoq {
 
 namespace {
 
-struct Command {
+struct ParamsCommand {
     std::string key;
     bool json = false;
 };
 
-void run(const Command& command) {
+void run_params(const ParamsCommand& command) {
     int row = -1;
     if (!command.key.empty()) {
         row = find_any_case(command.key);
@@ -42,11 +42,11 @@ void run(const Command& command) {
 void add_params_command(CLI::App& app) {
     CLI::App* params =
         app.add_subcommand("params", "Explain the settings: names, units, ranges, what the chain uses");
-    const auto command = std::make_shared<Command>();
+    const auto command = std::make_shared<ParamsCommand>();
     params->add_option("KEY", command->key,
                        "one setting, spelt as in strings or as in the file, in any letter case");
     params->add_flag("--json", command->json, "for scripts");
-    params->callback([command] { run(*command); });
+    params->callback([command] { run_params(*command); });
 }
 
 }  // namespace zoq

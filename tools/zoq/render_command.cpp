@@ -15,14 +15,14 @@ namespace zoq {
 
 namespace {
 
-struct Command {
+struct RenderCommand {
     RenderOptions options;
     bool quiet = false;
     bool textReport = false;
     bool jsonReport = false;
 };
 
-constexpr char kFooter[] =
+constexpr char kRenderFooter[] =
     "The output is 16-bit stereo at 48000 Hz, WAV or FLAC by its name. It has as many sample frames as the\n"
     "input at that rate, and without --at every sound sits where it was: the engine's start, fade-in and "
     "delay\n"
@@ -55,7 +55,7 @@ void add_files(CLI::App& app, RenderOptions& options) {
         ->required();
 }
 
-void add_engine_options(CLI::App& app, Command& command) {
+void add_engine_options(CLI::App& app, RenderCommand& command) {
     RenderOptions& options = command.options;
     add_settings_options(app, options.engine);
     app.add_option(
@@ -67,7 +67,7 @@ void add_engine_options(CLI::App& app, Command& command) {
     app.add_flag("--as-played", options.asPlayed, "what a phone's listener hears, start and delay included");
 }
 
-void add_report_options(CLI::App& app, Command& command) {
+void add_report_options(CLI::App& app, RenderCommand& command) {
     CLI::Option* text =
         app.add_flag("--report", command.textReport, "print loudness, true peak, delay and speed when done");
     app.add_flag("--json", command.jsonReport, "print the report as JSON")->excludes(text);
@@ -86,7 +86,7 @@ void print(std::FILE* stream, const std::string& text) {
     }
 }
 
-void run(Command& command) {
+void run_render(RenderCommand& command) {
     RenderOptions& options = command.options;
     resolve(options.engine);
     options.measure = command.textReport || command.jsonReport;
@@ -107,12 +107,12 @@ void run(Command& command) {
 
 void add_render_command(CLI::App& app) {
     CLI::App* render = app.add_subcommand("render", "Process an audio file as a phone would play it");
-    render->footer(kFooter);
-    const auto command = std::make_shared<Command>();
+    render->footer(kRenderFooter);
+    const auto command = std::make_shared<RenderCommand>();
     add_files(*render, command->options);
     add_engine_options(*render, *command);
     add_report_options(*render, *command);
-    render->callback([command] { run(*command); });
+    render->callback([command] { run_render(*command); });
 }
 
 }  // namespace zoq

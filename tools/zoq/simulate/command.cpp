@@ -12,14 +12,14 @@ namespace zoq {
 
 namespace {
 
-struct Command {
+struct SimulateCommand {
     SimulationOptions options;
     std::vector<TimedHostText> events;
     std::string schedule, picture;
     bool scan = false, json = false;
 };
 
-constexpr char kFooter[] =
+constexpr char kSimulateFooter[] =
     "Plays silence with a click now and then, block by block as a host would, processing switched on.\n"
     "Shown over time: where blocks come back untouched, the crossfade, the delay that is expected and\n"
     "the one at which clicks come out, blocks that came back unprocessed because the queue was short\n"
@@ -32,7 +32,7 @@ constexpr char kFooter[] =
     "\n"
     "Exit code: 0 done; 1 a file cannot be read or written; 2 the command line is wrong.";
 
-void run(Command& command) {
+void run_simulate(SimulateCommand& command) {
     if (!command.picture.empty() && !is_picture_path(command.picture)) {
         throw UsageFailure("cannot draw " + zoq::quoted(command.picture) +
                            ": the name must end in .svg or .png");
@@ -62,8 +62,8 @@ void run(Command& command) {
 void add_simulate_command(CLI::App& app) {
     CLI::App* simulate = app.add_subcommand(
         "simulate", "Replay a host's block sizes, rates, devices and volume: delay, fade, underruns, queues");
-    simulate->footer(kFooter);
-    const auto command = std::make_shared<Command>();
+    simulate->footer(kSimulateFooter);
+    const auto command = std::make_shared<SimulateCommand>();
     add_settings_options(*simulate, command->options.engine);
     simulate->add_option("--seconds", command->options.seconds, "how long (default: 2)")
         ->check(CLI::Range(0.01, 3600.0))
@@ -77,7 +77,7 @@ void add_simulate_command(CLI::App& app) {
     simulate->add_flag("--scan", command->scan,
                        "instead: run every block size from 1 to 4096 and name those that never underrun");
     simulate->add_flag("--json", command->json, "print everything as JSON instead of text");
-    simulate->callback([command] { run(*command); });
+    simulate->callback([command] { run_simulate(*command); });
 }
 
 }  // namespace zoq

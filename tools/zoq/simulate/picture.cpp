@@ -49,7 +49,7 @@ void draw_simulation(const Simulation& simulation, const std::string& path) {
     std::ostringstream script;
     write_blocks(script, simulation);
     script << "$clicks << EOD\n";
-    for (const Click& click : simulation.clicks) {
+    for (const SimulatedClick& click : simulation.clicks) {
         script << click.seconds << ' ' << click.measured << '\n';
     }
     script << "EOD\n";

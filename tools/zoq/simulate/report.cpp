@@ -17,7 +17,7 @@ bool alike(const PlayedBlock& a, const PlayedBlock& b) {
            a.device == b.device && (a.frames == b.frames || a.state == BlockState::kUntouched);
 }
 
-struct Facts {
+struct SimulationFacts {
     std::vector<double> underruns;
     int mostWaiting = 0;  // sample frames in the output queue
     size_t strays = 0;    // blocks that the documentation predicts otherwise
@@ -25,8 +25,8 @@ struct Facts {
     int expected = -1;
 };
 
-Facts facts_of(const Simulation& simulation) {
-    Facts facts;
+SimulationFacts facts_of(const Simulation& simulation) {
+    SimulationFacts facts;
     for (const PlayedBlock& block : simulation.blocks) {
         if (block.state == BlockState::kUnderrun) {
             facts.underruns.push_back(block.seconds);
@@ -86,7 +86,7 @@ ordered_json delay_of(const Latency& latency) {
 }  // namespace
 
 std::string text_report(const SimulationOptions& options, const Simulation& simulation) {
-    const Facts facts = facts_of(simulation);
+    const SimulationFacts facts = facts_of(simulation);
     std::string text = formatted("%.3f s of playback, %zu blocks; a line for every change\n\n",
                                  options.seconds, simulation.blocks.size());
     text += lines_of(simulation) + clicks_of(simulation);
@@ -100,7 +100,7 @@ std::string text_report(const SimulationOptions& options, const Simulation& simu
 }
 
 std::string json_report(const SimulationOptions& options, const Simulation& simulation) {
-    const Facts facts = facts_of(simulation);
+    const SimulationFacts facts = facts_of(simulation);
     ordered_json json = {{"seconds", options.seconds},
                          {"underruns", facts.underruns.size()},
                          {"underrunTimes", facts.underruns},
@@ -111,7 +111,7 @@ std::string json_report(const SimulationOptions& options, const Simulation& simu
     for (const HostEvent& event : simulation.events) {
         json["events"].push_back({{"seconds", event.seconds}, {"key", event.key}, {"value", event.value}});
     }
-    for (const Click& click : simulation.clicks) {
+    for (const SimulatedClick& click : simulation.clicks) {
         json["clicks"].push_back(
             {{"seconds", click.seconds}, {"expected", click.expected}, {"measured", click.measured}});
     }

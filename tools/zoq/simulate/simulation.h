@@ -24,7 +24,7 @@ struct PlayedBlock {
     bool asPredicted;         // untouched, short and queue as the documentation says
 };
 
-struct Click {
+struct SimulatedClick {
     double seconds;
     std::vector<int> expected;  // delays in sample frames; two while a fade mixes the input with the result
     int measured;               // of the loudest sample behind it; -1 when it never came out
@@ -38,7 +38,7 @@ struct SimulationOptions {
 
 struct Simulation {
     std::vector<PlayedBlock> blocks;
-    std::vector<Click> clicks;
+    std::vector<SimulatedClick> clicks;
     std::vector<HostEvent> events;
 };
 
