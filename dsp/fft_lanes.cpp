@@ -46,13 +46,15 @@ struct PlanesInverse {
     }
 };
 
-// Where its results go, kLanes at a time.
+// Where its results go, kLanes at a time, and the rows before them.
 struct ToInterleaved {
     creal32_T* y;
+    ZOQ_MEMBER RowsInFrame rows() const { return {&y->re}; }
     ZOQ_MEMBER void put(int n, ComplexLanes z) const { store_ordered(&y[n].re, z); }
 };
 struct ToInterleavedInverse {
     creal32_T* y;
+    ZOQ_MEMBER RowsInFrame rows() const { return {&y->re}; }
     ZOQ_MEMBER void put(int n, ComplexLanes z) const {
         const Lanes scale = broadcast(1.0f / kFrameSamples);
         store_ordered(&y[n].re, {z.im * scale, z.re * scale});
@@ -60,6 +62,7 @@ struct ToInterleavedInverse {
 };
 struct ToHalvedPlanes {
     Planes* y;
+    ZOQ_MEMBER RowsInPlanes rows() const { return {y->re, y->im}; }
     ZOQ_MEMBER void put(int n, ComplexLanes z) const {
         const Lanes half = broadcast(0.5f);
         store(y->re + n, in_lane_order(z.re * half));
@@ -67,14 +70,23 @@ struct ToHalvedPlanes {
     }
 };
 
-template <typename Source, typename Sink>
-ZOQ_INLINE void transform(Source source, Sink sink) {
-    ComplexLanes rows[kRows];
+template <typename Source, typename Rows, typename Sink>
+ZOQ_INLINE void transform(Source source, Rows rows, Sink sink) {
     first_stages(source, rows);
     middle_stages(rows);
     last_stages_at<true>(rows, 0, sink);
     for (int i = kLanes; i < kRows; i += kLanes) {
         last_stages_at<false>(rows, i, sink);
+    }
+}
+
+template <typename Source, typename Sink>
+ZOQ_INLINE void transform(Source source, Sink sink) {
+    if constexpr (kInPlace) {
+        transform(source, sink.rows(), sink);
+    } else {
+        alignas(64) float rows[2 * kFrameSamples];
+        transform(source, RowsInFrame{rows}, sink);
     }
 }
 

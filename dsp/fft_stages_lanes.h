@@ -13,6 +13,39 @@ namespace android::ZOQ_LEVEL {
 
 constexpr int kRows = kFrameSamples / kLanes;
 
+// Between the stages of wide vectors the rows lie where the result will, row r in place of the values from place(r) on:
+// the last stages then write where they have read, and the transform needs no memory beside its arguments. With four
+// lanes, where that gains nothing, they lie in a frame of their own, one behind the other. Of rows whose numbers have no
+// bit in common the places add up, and from kLanes rows on they are as far apart as the rows.
+constexpr bool kInPlace = kLanes > 4;
+constexpr int place(int row) {
+    const unsigned r = unsigned(row);
+    return kInPlace ? int(r % kLanes * kRows + r / kLanes * kLanes) : row * kLanes;
+}
+
+// Where values are kept meanwhile: real and imaginary parts of kLanes values in place of interleaved ones, or each in
+// a plane of its own.
+struct RowsInFrame {
+    float* y;
+    ZOQ_MEMBER float* re(int n) const { return y + 2 * n; }
+    ZOQ_MEMBER float* im(int n) const { return y + 2 * n + kLanes; }
+};
+struct RowsInPlanes {
+    float *x, *y;
+    ZOQ_MEMBER float* re(int n) const { return x + n; }
+    ZOQ_MEMBER float* im(int n) const { return y + n; }
+};
+
+template <typename Rows>
+ZOQ_INLINE ComplexLanes row_at(Rows rows, int n) {
+    return {load(rows.re(n)), load(rows.im(n))};
+}
+template <typename Rows>
+ZOQ_INLINE void put_row(Rows rows, int n, ComplexLanes z) {
+    store(rows.re(n), z.re);
+    store(rows.im(n), z.im);
+}
+
 ZOQ_INLINE ComplexLanes product(ComplexLanes w, ComplexLanes x) {
     return {subtract_product(w.re * x.re, w.im, x.im), add_product(w.im * x.re, w.re, x.im)};
 }
@@ -42,6 +75,16 @@ ZOQ_INLINE ComplexLanes product(ThreeEighths, ComplexLanes x) {
     return {re + im, re - im};
 }
 
+// A quarter turn further than w: its parts exchanged, one with the opposite sign. The same products and sums as with
+// the turned twiddle itself, which would be one more to load and to hold.
+struct Turned {
+    ComplexLanes w;
+};
+ZOQ_INLINE ComplexLanes product(Turned turned, ComplexLanes x) {
+    const ComplexLanes w = turned.w;
+    return {add_product(w.im * x.re, w.re, x.im), subtract_product(w.im * x.im, w.re, x.re)};
+}
+
 template <typename Twiddle>
 ZOQ_INLINE void butterfly(ComplexLanes& upper, ComplexLanes& lower, Twiddle w) {
     const ComplexLanes t = product(w, lower);
@@ -64,16 +107,15 @@ struct TwiddlesAtStart {
     ThreeEighths third3;
 };
 struct TwiddlesAt {
-    ComplexLanes first, second0, second1, third0, third1, third2, third3;
+    ComplexLanes first, second0;
+    Turned second1;
+    ComplexLanes third0, third1;
+    Turned third2, third3;
 };
 ZOQ_INLINE TwiddlesAt twiddles_at(int span, int offset) {
-    return {row_twiddle(span, offset),
-            row_twiddle(2 * span, offset),
-            row_twiddle(2 * span, offset + span),
-            row_twiddle(4 * span, offset),
-            row_twiddle(4 * span, offset + span),
-            row_twiddle(4 * span, offset + 2 * span),
-            row_twiddle(4 * span, offset + 3 * span)};
+    const ComplexLanes second = row_twiddle(2 * span, offset), third0 = row_twiddle(4 * span, offset),
+                       third1 = row_twiddle(4 * span, offset + span);
+    return {row_twiddle(span, offset), second, {second}, third0, third1, {third0}, {third1}};
 }
 
 template <typename Twiddles>
@@ -115,8 +157,8 @@ constexpr Reversed<kLanes> kReversedLane;
 constexpr Reversed<8> kReversedOf8;
 
 // The first three stages.
-template <typename Source>
-ZOQ_INLINE void first_stages(Source source, ComplexLanes* rows) {
+template <typename Source, typename Rows>
+ZOQ_INLINE void first_stages(Source source, Rows rows) {
     const TwiddlesAtStart w;
     for (int i = 0; i < kRows; i += 8) {
         ComplexLanes z[8];
@@ -128,27 +170,29 @@ ZOQ_INLINE void first_stages(Source source, ComplexLanes* rows) {
         }
         third_stage(z, w);
         ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
-            rows[i + k] = z[k];
+            put_row(rows, place(i) + place(k), z[k]);
         }
     }
 }
 
 // Two further stages, on the rows `offset` of all blocks.
-template <typename Twiddles>
-ZOQ_INLINE void two_stages_at(ComplexLanes* rows, int span, int offset, Twiddles w) {
-    for (int i = offset; i < kRows; i += 4 * span) {
+template <typename Rows, typename Twiddles>
+ZOQ_INLINE void two_stages_at(Rows rows, int span, int offset, Twiddles w) {
+    const int first = place(offset);
+    for (int n = first; n < first + place(kRows); n += place(4 * span)) {
         ComplexLanes z[4];
         ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
-            z[k] = rows[i + k * span];
+            z[k] = row_at(rows, n + place(k * span));
         }
         two_stages(z, w);
         ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
-            rows[i + k * span] = z[k];
+            put_row(rows, n + place(k * span), z[k]);
         }
     }
 }
 
-ZOQ_INLINE void next_two_stages(ComplexLanes* rows, int span) {
+template <typename Rows>
+ZOQ_INLINE void next_two_stages(Rows rows, int span) {
     two_stages_at(rows, span, 0, TwiddlesAtStart());
     for (int offset = 1; offset < span; ++offset) {
         two_stages_at(rows, span, offset, twiddles_at(span, offset));
@@ -157,23 +201,25 @@ ZOQ_INLINE void next_two_stages(ComplexLanes* rows, int span) {
 
 #if ZOQ_LANES != 8
 // Three further stages.
-template <typename Twiddles>
-ZOQ_INLINE void three_stages_at(ComplexLanes* rows, int span, int offset, Twiddles w) {
-    for (int i = offset; i < kRows; i += 8 * span) {
+template <typename Rows, typename Twiddles>
+ZOQ_INLINE void three_stages_at(Rows rows, int span, int offset, Twiddles w) {
+    const int first = place(offset);
+    for (int n = first; n < first + place(kRows); n += place(8 * span)) {
         ComplexLanes z[8];
         ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
-            z[k] = rows[i + k * span];
+            z[k] = row_at(rows, n + place(k * span));
         }
         two_stages(z, w);
         two_stages(z + 4, w);
         third_stage(z, w);
         ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
-            rows[i + k * span] = z[k];
+            put_row(rows, n + place(k * span), z[k]);
         }
     }
 }
 
-ZOQ_INLINE void next_three_stages(ComplexLanes* rows, int span) {
+template <typename Rows>
+ZOQ_INLINE void next_three_stages(Rows rows, int span) {
     three_stages_at(rows, span, 0, TwiddlesAtStart());
     for (int offset = 1; offset < span; ++offset) {
         three_stages_at(rows, span, offset, twiddles_at(span, offset));
@@ -182,7 +228,8 @@ ZOQ_INLINE void next_three_stages(ComplexLanes* rows, int span) {
 #endif
 
 // The rest of the stages on whole rows.
-[[gnu::noinline]] void middle_stages(ComplexLanes* rows) {
+template <typename Rows>
+[[gnu::noinline]] static void middle_stages(Rows rows) {
 #if ZOQ_LANES == 4
     next_three_stages(rows, 8);
     next_two_stages(rows, 64);
@@ -204,8 +251,11 @@ constexpr const float *kCos = kStageCos, *kSin = kStageSin;
 // Joins vectors of values `span` rows apart, with the twiddles of the rows `offset` x kRows + i and following.
 template <bool kFirst>
 ZOQ_INLINE void butterfly_across(ComplexLanes& upper, ComplexLanes& lower, int span, int offset, int i) {
-    const int entry = (span + offset) * kRows + i;
+    const int half = span > 1 ? span / 2 : 1, entry = (span + offset % half) * kRows + i;
     const ComplexLanes w{load(kCos + entry), load(kSin + entry)};
+    if (offset >= half) {
+        return butterfly(upper, lower, Turned{w});
+    }
     ComplexLanes t = product(w, lower);
     if (kFirst && offset == 0) {
         const IntLanes one = lane_numbers() == 0;  // the lane whose twiddle is 1
@@ -229,13 +279,13 @@ ZOQ_INLINE void stages_across(ComplexLanes* z, int i) {
 
 // The last stages of the rows i to i + kLanes - 1 and of what they become: z[b] holds the values b x kRows + i and
 // following.
-template <bool kFirst, typename Sink>
-ZOQ_INLINE void last_stages_at(const ComplexLanes* rows, int i, Sink sink) {
+template <bool kFirst, typename Rows, typename Sink>
+ZOQ_INLINE void last_stages_at(Rows rows, int i, Sink sink) {
     constexpr int kGroups = kLanes / kColumnsAtOnce, kHalf = kLanes / 2;
     ComplexLanes z[kLanes];
     ZOQ_UNROLL for (int g = 0; g < kGroups; ++g) {
         ComplexLanes column[kColumnsAtOnce];
-        load_columns(rows + i, g * kColumnsAtOnce, column);
+        load_columns(rows, place(i), place(1), g * kColumnsAtOnce, column);
         ZOQ_UNROLL for (int k = 0; k < kColumnsAtOnce; ++k) {
             z[kReversedLane.of[kLaneOrder[g * kColumnsAtOnce + k]]] = column[k];
         }

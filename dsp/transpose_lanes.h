@@ -73,19 +73,19 @@ ZOQ_INLINE void store_ordered(float* y, ComplexLanes z) {
 }
 #endif
 
-// Lane `first` + k of kLanes rows becomes vector k, for kColumnsAtOnce of them; the rows stand in the order of the
-// lanes, too.
+// Lane `first` + k of kLanes rows becomes vector k, for kColumnsAtOnce of them. The rows lie at n and `distance` apart,
+// in the order of the lanes, too.
 #if ZOQ_LANES == 8
 // Half of the columns need half of the registers, and a half of a vector is read from memory without a shuffle.
 constexpr int kColumnsAtOnce = 4;
 
-ZOQ_INLINE void load_columns(const ComplexLanes* rows, int first, ComplexLanes* column) {
+template <typename Rows>
+ZOQ_INLINE void load_columns(Rows rows, int n, int distance, int first, ComplexLanes* column) {
     Lanes re[4], im[4];
     ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
-        const auto* lower = reinterpret_cast<const FourFloats*>(rows + kLaneOrder[k]) + first / 4;
-        const auto* upper = reinterpret_cast<const FourFloats*>(rows + kLaneOrder[4 + k]) + first / 4;
-        re[k] = join_halves(lower[0], upper[0]);
-        im[k] = join_halves(lower[2], upper[2]);
+        const int lower = n + kLaneOrder[k] * distance, upper = n + kLaneOrder[4 + k] * distance;
+        re[k] = load_halves(rows.re(lower) + first, rows.re(upper) + first);
+        im[k] = load_halves(rows.im(lower) + first, rows.im(upper) + first);
     }
     transpose_quarters(re);
     transpose_quarters(im);
@@ -112,11 +112,12 @@ ZOQ_INLINE void transpose(Lanes* v) {
 #endif
 }
 
-ZOQ_INLINE void load_columns(const ComplexLanes* rows, int, ComplexLanes* column) {
+template <typename Rows>
+ZOQ_INLINE void load_columns(Rows rows, int n, int distance, int, ComplexLanes* column) {
     Lanes re[kLanes], im[kLanes];
     ZOQ_UNROLL for (int k = 0; k < kLanes; ++k) {
-        re[k] = rows[k].re;
-        im[k] = rows[k].im;
+        re[k] = load(rows.re(n + k * distance));
+        im[k] = load(rows.im(n + k * distance));
     }
     transpose(re);
     transpose(im);
