@@ -8,14 +8,18 @@ using android::Setting;
 using android::String8;
 
 void ZOQ_PARAMS_SET(const String8& keyValuePairs) {
+    // Taken apart ahead of the lock, for which the audio thread may wait.
     const AudioParameter pairs(keyValuePairs);
+    String8 values[android::kSettings];
+    bool given[android::kSettings] = {};
+    for (int i = 0; i < android::kSettings; ++i) {
+        const char* key = android::settings()[i].stringKey;
+        given[i] = key != nullptr && pairs.get(String8(key), values[i]) == android::NO_ERROR;
+    }
     pthread_mutex_lock(&android::glock_ZOQ);
     for (int i = 0; i < android::kSettings; ++i) {
-        const Setting& setting = android::settings()[i];
-        String8 value;
-        if (setting.stringKey != nullptr &&
-            pairs.get(String8(setting.stringKey), value) == android::NO_ERROR) {
-            android::apply_setting(setting, value.string());
+        if (given[i]) {
+            android::apply_setting(android::settings()[i], values[i].string());
         }
     }
     pthread_mutex_unlock(&android::glock_ZOQ);

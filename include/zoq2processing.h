@@ -34,7 +34,8 @@ extern "C" {
 
 // Validates the engine state, gives all records their factory contents, applies "/etc/zoq/zoq_config.txt" if
 // it can be read, resets every module and empties the sample rings. May be called again at any time between
-// two blocks.
+// two blocks; a stream that stays the same then comes out 2048 sample frames late, behind as many zeros, and the
+// volume index is 15 again.
 void ZOQ_OUTPROC_PLAY_INIT();
 
 // Processes one block in place.
@@ -42,10 +43,10 @@ void ZOQ_OUTPROC_PLAY_INIT();
 //        bytes       length of the block; at most 73728 (18432 stereo sample frames)
 //        sampleRate  Hz; only a change of it matters, the modules are tuned for 48000
 //        channels    interleaved channels; the driver is built for 2
-// After a change of rate, block size or output class 6000 sample frames pass through untouched; then the
-// output is the processed input, delayed by one hop and by (values per block) mod 1024 values, faded in over
-// 5120 sample frames. A block that cannot be processed (no samples, too long, channels outside 1..6) comes
-// back untouched.
+// After a change of rate, block size or output class blocks pass through untouched until 6000 sample frames are
+// full; then the output is the processed input, delayed by one hop and by (values per block) mod 1024 values,
+// faded in over 5120 sample frames. A block that cannot be processed (no samples, too long, channels outside
+// 1..6) comes back untouched.
 void ZOQ_OUTPROC_PLAY_SAMPLES(int16_t* samples, int bytes, int sampleRate, int channels);
 
 // Applies key=value pairs joined by ";". Unknown keys are ignored; values are stored unchecked.

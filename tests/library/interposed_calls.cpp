@@ -31,6 +31,11 @@ void note(int& count) {
     count += counting ? 1 : 0;
 }
 
+void note_heap_call(int& count) {
+    note(count);
+    calls.heapCallsLocked += counting && calls.mutexLocks > calls.mutexUnlocks ? 1 : 0;
+}
+
 }  // namespace
 
 extern "C" {
@@ -42,22 +47,22 @@ void* __libc_memalign(size_t, size_t);
 void __libc_free(void*);
 
 void* malloc(size_t size) noexcept {
-    note(calls.allocations);
+    note_heap_call(calls.allocations);
     return __libc_malloc(size);
 }
 
 void* calloc(size_t count, size_t size) noexcept {
-    note(calls.allocations);
+    note_heap_call(calls.allocations);
     return __libc_calloc(count, size);
 }
 
 void* realloc(void* block, size_t size) noexcept {
-    note(calls.allocations);
+    note_heap_call(calls.allocations);
     return __libc_realloc(block, size);
 }
 
 void* aligned_alloc(size_t alignment, size_t size) noexcept {
-    note(calls.allocations);
+    note_heap_call(calls.allocations);
     return __libc_memalign(alignment, size);
 }
 
@@ -71,7 +76,7 @@ int posix_memalign(void** block, size_t alignment, size_t size) noexcept {
 }
 
 void free(void* block) noexcept {
-    note(calls.frees);
+    note_heap_call(calls.frees);
     __libc_free(block);
 }
 

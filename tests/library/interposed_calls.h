@@ -6,6 +6,7 @@ namespace interposed {
 
 struct Calls {
     int allocations, frees;        // malloc and its relatives, whatever operator new is built on
+    int heapCallsLocked;           // of both together, those made with a mutex held
     int mutexLocks, mutexUnlocks;  // pthread_mutex_lock and _unlock
     const void* lockedMutex;       // the last one
     int otherLocks;                // tries, read-write locks, conditions, spin locks, semaphores, once

@@ -237,4 +237,20 @@ TEST(Realtime, AWarmBlockTakesOneLockAndNothingElse) {
     std::printf("%d blocks, %zu bytes of stack\n", seen.blocks, seen.stack);
 }
 
+// The audio thread may wait for the lock that a string is applied under: the heap's lock must not stand behind it.
+TEST(Realtime, AStringIsTakenApartAheadOfTheLock) {
+    engine::fresh_engine();
+    const android::String8 pairs(
+        "HIFIPARA=STEREOWIDEN_Enable=true;CompressionGain=70;EQ_1khzgain=6;output_device=8");
+    calls = {};
+    counting = true;
+    ZOQ_PARAMS_SET(pairs);
+    counting = false;
+    EXPECT_GT(calls.allocations, 0);
+    EXPECT_EQ(calls.heapCallsLocked, 0);
+    EXPECT_EQ(calls.mutexLocks, 1);
+    EXPECT_EQ(calls.mutexUnlocks, 1);
+    EXPECT_EQ(calls.lockedMutex, &android::glock_ZOQ);
+}
+
 }  // namespace

@@ -96,6 +96,8 @@ constexpr Change kSpeakerDefault[] = {
 constexpr Change kSpeakerNeutral[] = {{0, kNeutral}, {0, kSpeaker}, {0, nullptr}};
 constexpr Change kSpeakerTypical[] = {{0, kNeutral}, {0, kTypical}, {0, kSpeaker}, {0, nullptr}};
 constexpr Change kSpeakerExtreme[] = {{0, kExtreme}, {0, kSpeaker}, {0, nullptr}};
+constexpr Change kSpeakerVolumes[] = {
+    {0, kTypical}, {0, "CompressionGain=100"}, {50, "", 20}, {100, "", 12}, {0, nullptr}};
 constexpr Change kHeadphoneDefault[] = {
     {0, kNeutral}, {0, kOn}, {0, kHeadphone}, {0, "HP_SurroundWidth=70"}, {0, nullptr}};
 constexpr Change kHeadphoneNeutral[] = {{0, kNeutral}, {0, kHeadphone}, {0, nullptr}};
@@ -142,6 +144,7 @@ const Scene kScenes[] = {
     {"speaker full scale extreme", full_scale, 512, 141, kSpeakerExtreme, 0x3cc157277ede2dafu},
     {"speaker silence after music extreme", silence_after_music, 512, 141, kSpeakerExtreme,
      0x0a756a4f13500d4eu},
+    {"speaker music, volumes changing", music, 512, 141, kSpeakerVolumes, 0xe8b47df2d702fa1du},
     {"headphone music default", music, 512, 141, kHeadphoneDefault, 0xb67ea59bb0f54b73u},
     {"headphone music neutral", music, 512, 141, kHeadphoneNeutral, 0x028c06d854c1984eu},
     {"headphone music typical", music, 512, 141, kHeadphoneTypical, 0xb48c47cc036f4201u},
@@ -170,6 +173,9 @@ uint64_t play(const Scene& scene) {
     for (int b = 0; b < scene.blocks; ++b) {
         for (; change->settings != nullptr && change->block <= b; ++change) {
             ZOQ_PARAMS_SET(android::String8(change->settings));
+            if (change->volume > 0) {
+                android::ZOQ_update_volume(change->volume, AUDIO_STREAM_MUSIC);
+            }
         }
         for (int i = 0; i < scene.blockFrames; ++i) {
             scene.signal(sampleFrame++, block + 2 * i);

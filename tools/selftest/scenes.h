@@ -11,6 +11,7 @@ namespace selftest {
 struct Change {
     int block;             // before which block
     const char* settings;  // a parameter string; null ends a list
+    int volume = 0;        // a volume index above 0 is notified
 };
 
 struct Scene {
