@@ -34,7 +34,7 @@ extern "C" {
 
 // Validates the engine state, gives all records their factory contents, applies "/etc/zoq/zoq_config.txt" if
 // it can be read, resets every module and empties the sample rings. May be called again at any time between
-// two blocks; a stream that stays the same then comes out 2048 sample frames late, behind as many zeros, and the
+// two blocks; the queue of a stream that stays the same is then 2048 sample frames long, zeros at first, and the
 // volume index is 15 again.
 void ZOQ_OUTPROC_PLAY_INIT();
 

@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstring>
 #include <numeric>
 
 #include "tests/tools/command.h"
@@ -110,25 +111,115 @@ TEST_F(SimulateTest, HostsChangesShowWhenTheyHappen) {
     EXPECT_EQ(result["blocks"].back()["device"], 8);
 }
 
+// The 4096 values of zeros stand for 2048 sample frames, whatever the queue held; the stream does not settle anew, unless
+// its rate is one that an initialisation forgets. One amid the settling does not lengthen it.
+TEST_F(SimulateTest, InitialisationsRestartTheQueueOfARunningStream) {
+    for (const auto& [frames, before] : {std::pair(512, 0), {480, 480}, {441, 968}, {1920, 384}}) {
+        const json result = simulated("--at 0 processing=off --at 1 'init;volume=3' --at 1.5 init --block " +
+                                      std::to_string(frames));
+        EXPECT_TRUE(result["blocksAsDocumented"]) << frames;
+        EXPECT_EQ(result["measuredDelay"], 2048) << frames;
+        for (const json& block : result["blocks"]) {
+            const double seconds = block["seconds"];
+            if (seconds > 0.5) {
+                EXPECT_EQ(block["state"], "dry") << frames;
+                EXPECT_EQ(block["delay"]["total"], seconds < 1.0 ? before : 2048) << frames << ' ' << seconds;
+                EXPECT_EQ(block["volume"], seconds < 1.0 || seconds >= 1.5 ? 15 : 3)
+                    << frames << ' ' << seconds;
+            }
+        }
+    }
+    EXPECT_EQ(simulated("--at 1 init --set DS_stereoWidth=0")["expectedDelay"], 2048 + 512 + 180);
+    const auto untouched = [](const std::string& events) {
+        const json result = simulated("--at 0 rate=96000 " + events);
+        EXPECT_TRUE(result["blocksAsDocumented"]) << events;
+        const json& blocks = result["blocks"];
+        return std::count_if(blocks.begin(), blocks.end(),
+                             [](const json& block) { return block["state"] == "untouched"; });
+    };
+    EXPECT_EQ(untouched(""), 6000 / 512);
+    EXPECT_EQ(untouched("--at 1 init"), 2 * (6000 / 512));
+    EXPECT_EQ(untouched("--at 1 rate=44100 --at 1.05 init"), 2 * (6000 / 512));
+}
+
+TEST_F(SimulateTest, EventsShowInTextAndPictureWithTheCompressionThatHolds) {
+    std::ofstream("zoq.txt") << "volume_index_switch=20\n";
+    const std::string options =
+        "--config zoq.txt --seconds 2.5 --at 0.5 volume=16 --at 0.75 volume=21 --at 1 DS_stereoWidth=30 "
+        "--at 1.5 route=headphone --at 1.75 'route=speaker;init' --at 2 volume=17 --at 9 volume=1";
+    const Outcome outcome = shell("zoq simulate --plot day.svg " + options);
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    const std::pair<const char*, int> events[] = {
+        {"volume=16", 18},       {"volume=21", 21}, {"DS_stereoWidth=30", 21},
+        {"route=headphone", 20}, {"init", 18},      {"volume=17", 21}};
+    const std::string picture = contents("day.svg");
+    EXPECT_NE(picture.find("</svg>"), std::string::npos);
+    for (const auto& [words, decibels] : events) {
+        EXPECT_NE(picture.find(words), std::string::npos) << words;
+        const size_t event = outcome.out.find(std::string("host: ") + words + "\n");
+        ASSERT_NE(event, std::string::npos) << words << outcome.out;
+        std::istringstream below(outcome.out.substr(event));
+        std::string line;
+        std::getline(below, line);
+        std::getline(below, line);
+        EXPECT_TRUE(line.ends_with(" " + std::to_string(decibels))) << words << '\n' << line;
+    }
+    EXPECT_EQ(picture.find("volume=1<"), std::string::npos);
+    EXPECT_NE(outcome.out.find("events behind the end: 1\n"), std::string::npos);
+    std::istringstream lines(outcome.out);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_LE(line.size(), 80U) << line;
+    }
+}
+
 TEST_F(SimulateTest, DrawsAndSaysWhatIsWrong) {
-    EXPECT_EQ(shell("zoq simulate --block 441 --seconds 1 --plot day.svg").code, 0);
-    EXPECT_NE(contents("day.svg").find("</svg>"), std::string::npos);
     std::ofstream("bad.txt") << "0.5 processing=off\nsoon block=3\n";
-    const std::pair<const char*, const char*> wrong[] = {{"--at 1 block=0", "block"},
-                                                         {"--at 1 block=480,x", "480,x"},
-                                                         {"--at 1 device=0xG", "0xG"},
-                                                         {"--at 1 rate=-1", "rate"},
-                                                         {"--at 1 processing=perhaps", "perhaps"},
-                                                         {"--at 1 DS_stereowidth=3", "DS_stereowidth"},
-                                                         {"--at -1 volume=3", "time"},
-                                                         {"--schedule bad.txt", "line 2"},
-                                                         {"--plot day.txt", "day.txt"}};
+    std::ofstream("value.txt") << "# a\n\n1 block=3;volume=\n";
+    std::ofstream("time.txt") << "1 block=3\n-1 volume=3\n";
+    std::ofstream("key.txt") << "1 blok=3\n";
+    const std::pair<const char*, const char*> wrong[] = {
+        {"--at 1 block=0", "block"},
+        {"--at 1 block=480,x", "480,x"},
+        {"--at 1 device=0xG", "0xG"},
+        {"--at 1 rate=-1", "rate"},
+        {"--at 1 processing=perhaps", "perhaps"},
+        {"--at 1 DS_stereowidth=3", "DS_stereowidth"},
+        {"--at -1 volume=3", "time"},
+        {"--schedule bad.txt", "line 2"},
+        {"--schedule value.txt", "'value.txt', line 3"},
+        {"--schedule time.txt", "'time.txt', line 2"},
+        {"--schedule key.txt", "line 1: unknown setting 'blok', did you mean 'block'"},
+        {"--at 1 HIFIPARA=on", "processing=on"},
+        {"--at 1 init=3", "init"},
+        {"--set bogus=1", "unknown setting 'bogus' ("},
+        {"--scan", "--scan"},
+        {"--plot day.txt", "day.txt"}};
     for (const auto& [options, word] : wrong) {
         const Outcome outcome = shell(std::string("zoq simulate --seconds 0.1 ") + options);
         EXPECT_EQ(outcome.code, 2) << options;
         EXPECT_NE(outcome.err.find(word), std::string::npos) << options << outcome.err;
     }
+    for (const char* option : {"--block 3", "--plot a.svg", "--at 1 init", "--schedule bad.txt",
+                               "--set bogus=1", "--route headphone", "--volume 3", "--config bad.txt"}) {
+        EXPECT_EQ(shell(std::string("zoq simulate --scan ") + option).code, 2) << option;
+    }
     EXPECT_EQ(shell("zoq simulate --schedule absent.txt").code, 1);
+}
+
+TEST_F(SimulateTest, NoOptionOfAnyCommandTakesANumberThatIsNone) {
+    std::ofstream("eq.txt") << "GraphicEQ: 100 0; 1000 3\n";
+    for (const char* command :
+         {"simulate --plot a.svg --seconds", "simulate --at 1 DS_stereoWidth=",
+          "measure --what latency --level", "measure --what latency --tone", "measure --what latency --bass",
+          "measure --what latency --step -30", "config write --eq eq.txt --limit",
+          "config write --eq eq.txt --eq-lowest", "config write --eq eq.txt --eq-highest",
+          "simulate --volume", "simulate --block"}) {
+        const std::string start =
+            std::string("zoq ") + command + (*(command + std::strlen(command) - 1) == '=' ? "" : " ");
+        for (const char* value : {"nan", "-NAN", "inf", "1e999"}) {
+            EXPECT_EQ(shell(start + value).code, 2) << start << value;
+        }
+    }
 }
 
 }  // namespace

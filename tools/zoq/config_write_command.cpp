@@ -8,6 +8,7 @@
 #include "tools/zoq/file_names.h"
 #include "tools/zoq/gnuplot.h"
 #include "tools/zoq/plot.h"
+#include "tools/zoq/settings_options.h"
 #include "tools/zoq/text_file.h"
 #include "tools/zoq/tuning/config_check.h"
 #include "tools/zoq/tuning/config_write.h"
@@ -115,15 +116,15 @@ void add_config_write_command(CLI::App& config) {
         ->option_text("ROUTE");
     app->add_option("--limit", command->fit.limitDb, "largest gain of a band in dB, up to 24 (default: 12)")
         ->needs(eq)
-        ->check(CLI::Range(0.1, 24.0))
+        ->check(number_within(0.1, 24.0))
         ->option_text("DB");
     app->add_option("--eq-lowest", command->fit.loHz, "where the fit begins (default: 40)")
         ->needs(eq)
-        ->check(CLI::Range(10.0, 20000.0))
+        ->check(number_within(10.0, 20000.0))
         ->option_text("HZ");
     app->add_option("--eq-highest", command->fit.hiHz, "where the fit ends (default: 20000)")
         ->needs(eq)
-        ->check(CLI::Range(20.0, 23000.0))
+        ->check(number_within(20.0, 23000.0))
         ->option_text("HZ");
     app->add_option("--plot", command->plot, "draw curve and fit, .svg or .png")->option_text("FILE");
     app->add_option("-o,--output", command->output, "the file to write (default: standard output)")

@@ -11,6 +11,7 @@
 #include "tools/zoq/measure/measurements.h"
 #include "tools/zoq/measure/pictures.h"
 #include "tools/zoq/measure/reports.h"
+#include "tools/zoq/settings_options.h"
 #include "tools/zoq/text_file.h"
 
 namespace zoq {
@@ -79,18 +80,18 @@ void add_measure_options(CLI::App& app, MeasureCommand& command) {
         ->option_text("CHANNELS");
     MeasureOptions& options = command.options;
     app.add_option("--level", options.levelDb, "peak of the excitation, -80 to 0 dBFS (default: -20)")
-        ->check(CLI::Range(-80.0, 0.0))
+        ->check(number_within(-80.0, 0.0))
         ->option_text("DB");
     app.add_option("--tone", options.toneHz,
                    "for distortion, static and dynamics, 20 to 20000 Hz (default: 1000); a period of 3 "
                    "samples or more, whole, "
                    "for the latter two")
-        ->check(CLI::Range(20.0, 20000.0))
+        ->check(number_within(20.0, 20000.0))
         ->option_text("HZ");
     app.add_option("--step", options.stepDb, "levels for dynamics, -80 to 0 dBFS (default: -30 -6)")
         ->option_text("LOW HIGH");
     app.add_option("--bass", options.bassHz, "for distortion, 20 to 20000 Hz (default: 50)")
-        ->check(CLI::Range(20.0, 20000.0))
+        ->check(number_within(20.0, 20000.0))
         ->option_text("HZ");
 }
 

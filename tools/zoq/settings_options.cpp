@@ -8,6 +8,7 @@
 #include "host/configuration.h"
 #include "host/settings.h"
 #include "tools/zoq/failure.h"
+#include "tools/zoq/formatted.h"
 #include "tools/zoq/text_file.h"
 #include "tools/zoq/tuning/config_text.h"
 #include "tools/zoq/tuning/key_names.h"
@@ -99,13 +100,29 @@ void apply(const EngineSettings& settings, EngineSession& session) {
     }
 }
 
-std::string unknown_setting(const std::string& key) {
+std::string unknown_setting(const std::string& key, const std::vector<std::string>& names) {
     const std::string text = "unknown setting " + quoted(key);
     if (key == "HIFIPARA" || key == "output_device") {
         return text + ": an option of its own stands for it";
     }
-    const int row = closest_key(key, Dialect::kString).row;
-    return text + ", did you mean " + quoted(spelling(row, Dialect::kString)) + "?";
+    const auto near =
+        std::find_if(names.begin(), names.end(), [&key](const auto& name) { return is_near(key, name); });
+    if (near != names.end()) {
+        return text + ", did you mean " + quoted(*near) + "?";
+    }
+    const ClosestKey closest = closest_key(key, Dialect::kString);
+    const std::string setting = spelling(closest.row, Dialect::kString);
+    return closest.likely || is_near(key, setting) ? text + ", did you mean " + quoted(setting) + "?"
+                                                   : text + " ('zoq params' lists them)";
+}
+
+CLI::Validator number_within(double least, double most) {
+    const auto check = [least, most](const std::string& text) {
+        double value = 0.0;
+        const bool within = CLI::detail::lexical_cast(text, value) && value >= least && value <= most;
+        return within ? std::string() : formatted("%s is no number from %g to %g", text.c_str(), least, most);
+    };
+    return CLI::Validator(check, "NUMBER");
 }
 
 bool is_number(const std::string& text) {

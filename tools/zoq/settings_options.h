@@ -9,7 +9,8 @@
 
 namespace CLI {
 class App;
-}
+class Validator;
+}  // namespace CLI
 
 namespace zoq {
 
@@ -32,8 +33,12 @@ void resolve(EngineSettings& settings);
 // Everything but the processing switch, after resolve(), in any number of sessions.
 void apply(const EngineSettings& settings, EngineSession& session);
 
-// "unknown setting 'DS_stereowidth', did you mean 'DS_stereoWidth'?"
-std::string unknown_setting(const std::string& key);
+// "unknown setting 'DS_stereowidth', did you mean 'DS_stereoWidth'?" The names, and the settings behind them, are what
+// may have been meant; where none is near, none is named.
+std::string unknown_setting(const std::string& key, const std::vector<std::string>& names = {});
+
+// For options: a number from least to most. CLI11's own range lets "nan" through.
+CLI::Validator number_within(double least, double most);
 
 // Whether the engine reads all of a text as a finite number.
 bool is_number(const std::string& text);

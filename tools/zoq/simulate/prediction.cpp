@@ -6,6 +6,8 @@ namespace {
 
 constexpr int kHop = 512;  // sample frames
 constexpr int kSettleFrames = 6000;
+constexpr int kZerosOfInit = 2048;  // sample frames in the queue behind an initialisation
+constexpr int kLowestRate = 8000, kHighestRate = 48000;
 
 }  // namespace
 
@@ -39,6 +41,19 @@ BlockPrediction::Answer BlockPrediction::next(int blockFrames, int rate, bool he
     }
     answer.queueFrames = queueFrames_;
     return answer;
+}
+
+// The stream is remembered, so that it goes on without settling, or settles on; only a rate out of range is forgotten.
+// More than a hop in the queue is never short.
+void BlockPrediction::initialise() {
+    if (rate_ < kLowestRate || rate_ > kHighestRate) {
+        rate_ = kHighestRate;
+    }
+    if (blocks_ >= 0) {
+        blocks_ = 0;
+        queueFrames_ = kZerosOfInit;
+        wasShort_ = true;
+    }
 }
 
 // What is left over takes every multiple of the greatest common divisor of block and hop, a power of two; the least

@@ -18,6 +18,9 @@ class BlockPrediction {
     // The next block, of so many sample frames, at this rate, on this route.
     Answer next(int blockFrames, int rate, bool headphone);
 
+    // The host initialises the engine between two blocks.
+    void initialise();
+
   private:
     int blockFrames_ = 0, rate_ = 0;
     bool headphone_ = false;

@@ -13,8 +13,9 @@ using nlohmann::ordered_json;
 
 // Neighbouring blocks that differ in nothing that is worth a line.
 bool alike(const PlayedBlock& a, const PlayedBlock& b) {
-    return a.state == b.state && a.latency.queue == b.latency.queue && a.rate == b.rate &&
-           a.device == b.device && (a.frames == b.frames || a.state == BlockState::kUntouched);
+    return a.state == b.state && a.latency.total() == b.latency.total() && a.rate == b.rate &&
+           a.device == b.device && a.volume == b.volume && a.fullDb == b.fullDb &&
+           (a.frames == b.frames || a.state == BlockState::kUntouched);
 }
 
 struct SimulationFacts {
@@ -43,17 +44,24 @@ SimulationFacts facts_of(const Simulation& simulation) {
     return facts;
 }
 
+std::string line_of(const PlayedBlock& block) {
+    return formatted("%9.4f %5d %6d %6s %-10s %5d %8d %7d %3.0f %% %3d %2d\n", block.seconds, block.frames,
+                     block.rate, formatted("0x%llx", static_cast<long long>(block.device)).c_str(),
+                     state_name(block.state), block.latency.total(), block.inFrames, block.outFrames,
+                     block.mix / 51.2, block.volume, block.fullDb);
+}
+
 std::string lines_of(const Simulation& simulation) {
-    std::string text = "   seconds  block   rate  device  state       queue  received  waiting  crossfade\n";
+    std::string text = "  seconds block   rate device state      delay received waiting   wet vol dB\n";
     const auto& blocks = simulation.blocks;
+    auto event = simulation.events.begin();
     for (size_t i = 0; i < blocks.size(); ++i) {
-        const PlayedBlock& block = blocks[i];
-        if (i == 0 || !alike(blocks[i - 1], block)) {
-            text += formatted("%10.4f %6d %6d %7s  %-10s %6d %9d %8d %8.0f %%\n", block.seconds, block.frames,
-                              block.rate, formatted("0x%llx", static_cast<long long>(block.device)).c_str(),
-                              state_name(block.state), block.latency.queue, block.inFrames, block.outFrames,
-                              block.mix / 51.2);
+        bool told = i > 0 && alike(blocks[i - 1], blocks[i]);
+        for (; event != simulation.events.end() && event->seconds <= blocks[i].seconds; ++event) {
+            text += formatted("%9.4f host: %s\n", event->seconds, words_of(*event).c_str());
+            told = false;
         }
+        text += told ? "" : line_of(blocks[i]);
     }
     return text;
 }
@@ -85,15 +93,21 @@ ordered_json delay_of(const Latency& latency) {
 
 }  // namespace
 
+std::string words_of(const HostEvent& event) {
+    return event.key == "init" ? event.key : event.key + "=" + event.value;
+}
+
 std::string text_report(const SimulationOptions& options, const Simulation& simulation) {
     const SimulationFacts facts = facts_of(simulation);
-    std::string text = formatted("%.3f s of playback, %zu blocks; a line for every change\n\n",
+    std::string text = formatted("%.3f s of playback, %zu blocks; a line for every event and change\n\n",
                                  options.seconds, simulation.blocks.size());
     text += lines_of(simulation) + clicks_of(simulation);
     text += facts.underruns.empty() ? "\nunderruns: none\n"
                                     : formatted("\nunderruns: %zu, the first at %.4f s\n",
                                                 facts.underruns.size(), facts.underruns.front());
-    text += formatted("longest queue: %d sample frames\n", facts.mostWaiting);
+    text += formatted("most waiting: %d sample frames\n", facts.mostWaiting);
+    const size_t late = options.events.size() - simulation.events.size();
+    text += late > 0 ? formatted("events behind the end: %zu\n", late) : "";
     text += facts.strays == 0 ? std::string("every block behaved as documented\n")
                               : formatted("%zu blocks behaved otherwise than documented\n", facts.strays);
     return text;
@@ -104,7 +118,7 @@ std::string json_report(const SimulationOptions& options, const Simulation& simu
     ordered_json json = {{"seconds", options.seconds},
                          {"underruns", facts.underruns.size()},
                          {"underrunTimes", facts.underruns},
-                         {"longestQueue", facts.mostWaiting},
+                         {"mostWaiting", facts.mostWaiting},
                          {"blocksAsDocumented", facts.strays == 0},
                          {"expectedDelay", facts.expected},
                          {"measuredDelay", facts.measured}};
@@ -124,6 +138,8 @@ std::string json_report(const SimulationOptions& options, const Simulation& simu
                                   {"crossfade", block.mix / 5120.0},
                                   {"received", block.inFrames},
                                   {"waiting", block.outFrames},
+                                  {"volume", block.volume},
+                                  {"fullCompressionDb", block.fullDb},
                                   {"delay", delay_of(block.latency)}});
     }
     return json.dump(2) + "\n";

@@ -7,6 +7,9 @@
 
 namespace zoq {
 
+// "volume=3"
+std::string words_of(const HostEvent& event);
+
 std::string text_report(const SimulationOptions& options, const Simulation& simulation);
 std::string json_report(const SimulationOptions& options, const Simulation& simulation);
 void draw_simulation(const Simulation& simulation, const std::string& path);

@@ -8,6 +8,7 @@
 #include "tools/zoq/engine_session.h"
 #include "tools/zoq/failure.h"
 #include "tools/zoq/settings_options.h"
+#include "tools/zoq/tuning/config_text.h"
 #include "tools/zoq/tuning/key_names.h"
 
 namespace zoq {
@@ -15,6 +16,7 @@ namespace zoq {
 namespace {
 
 constexpr int64_t kLargestInt = 0x7FFFFFFF;
+constexpr double kLongestTime = 1e6;  // seconds
 
 // -1 unless all of the text is a number of digits of the base.
 int64_t whole_number(const std::string& text, int base) {
@@ -30,19 +32,36 @@ bool is_setting(const std::string& key) {
 }
 
 bool is_lawful(const std::string& key, const std::string& value) {
-    return key == "block"        ? !block_sizes(value).empty()
-           : key == "rate"       ? whole_number(value, 10) > 0
-           : key == "device"     ? device_mask(value) >= 0
-           : key == "route"      ? value == "speaker" || value == "headphone"
-           : key == "volume"     ? whole_number(value, 10) >= 0
-           : key == "processing" ? value == "on" || value == "off"
-                                 : is_number(value);
+    return key == "block"                              ? !block_sizes(value).empty()
+           : key == "rate"                             ? whole_number(value, 10) > 0
+           : key == "device" || key == "output_device" ? device_mask(value) >= 0
+           : key == "route"                            ? value == "speaker" || value == "headphone"
+           : key == "volume"                           ? whole_number(value, 10) >= 0
+           : key == "processing"                       ? value == "on" || value == "off"
+                                                       : is_number(value);
 }
 
-bool is_known(const std::string& key) {
-    constexpr const char* kHostKeys[] = {"block", "rate", "device", "route", "volume", "processing"};
-    return std::find(std::begin(kHostKeys), std::end(kHostKeys), key) != std::end(kHostKeys) ||
-           is_setting(key);
+const std::vector<std::string> kHostKeys = {"block", "rate",   "device",     "output_device",
+                                            "route", "volume", "processing", "init"};
+
+// "KEY=VALUE", or init.
+HostEvent host_event(double seconds, const std::string& pair, const std::string& where) {
+    const size_t equals = std::min(pair.find('='), pair.size());
+    const HostEvent event{seconds, pair.substr(0, equals), pair.substr(std::min(equals + 1, pair.size()))};
+    const std::string& key = event.key;
+    if (key == "HIFIPARA") {
+        throw UsageFailure(where + ": for 'HIFIPARA' write processing=on or processing=off");
+    }
+    if (std::find(kHostKeys.begin(), kHostKeys.end(), key) == kHostKeys.end() && !is_setting(key)) {
+        throw UsageFailure(where + ": " + unknown_setting(key, kHostKeys));
+    }
+    if (key == "init" ? equals != pair.size() : !is_lawful(key, event.value)) {
+        throw UsageFailure(where + ": " +
+                           (key == "init"
+                                ? std::string("'init' takes no value")
+                                : zoq::quoted(event.value) + " is no value for " + zoq::quoted(key)));
+    }
+    return event;
 }
 
 }  // namespace
@@ -64,37 +83,26 @@ int64_t device_mask(const std::string& text) {
     return text.starts_with("0x") ? whole_number(text.substr(2), 16) : whole_number(text, 10);
 }
 
-std::vector<HostEvent> host_events(const std::vector<TimedHostText>& texts) {
+std::vector<HostEvent> host_events(double seconds, const std::string& text, const std::string& where) {
+    if (!(seconds >= 0.0) || seconds > kLongestTime) {
+        throw UsageFailure(where + ": a time counts seconds from the start");
+    }
     std::vector<HostEvent> events;
-    for (const auto& [seconds, text] : texts) {
-        if (!(seconds >= 0.0) || seconds > 1e6) {
-            throw UsageFailure("a time counts seconds from the start");
-        }
-        std::istringstream pairs(text);
-        for (std::string pair; std::getline(pairs, pair, ';');) {
-            const size_t equals = std::min(pair.find('='), pair.size());
-            const HostEvent event{seconds, pair.substr(0, equals),
-                                  pair.substr(std::min(equals + 1, pair.size()))};
-            if (!is_known(event.key)) {
-                throw UsageFailure("unknown setting " + zoq::quoted(event.key));
-            }
-            if (!is_lawful(event.key, event.value)) {
-                throw UsageFailure(zoq::quoted(event.value) + " is no value for " + zoq::quoted(event.key));
-            }
-            events.push_back(event);
+    std::istringstream pairs(text);
+    for (std::string pair; std::getline(pairs, pair, ';');) {
+        if (!pair.empty()) {
+            events.push_back(host_event(seconds, pair, where));
         }
     }
-    std::stable_sort(events.begin(), events.end(),
-                     [](const HostEvent& a, const HostEvent& b) { return a.seconds < b.seconds; });
     return events;
 }
 
-std::vector<TimedHostText> read_schedule(const std::string& text, const std::string& name) {
-    std::vector<TimedHostText> texts;
+std::vector<HostEvent> read_schedule(const std::string& text, const std::string& name) {
+    std::vector<HostEvent> events;
     std::istringstream lines(text);
     int number = 0;
     for (std::string line; std::getline(lines, line);) {
-        ++number;
+        const std::string where = zoq::quoted(name) + ", line " + std::to_string(++number);
         line.resize(std::min(line.find('#'), line.size()));
         std::istringstream words(line);
         std::string time, settings, more;
@@ -102,12 +110,12 @@ std::vector<TimedHostText> read_schedule(const std::string& text, const std::str
             continue;
         }
         if (!is_number(time) || !(words >> settings) || words >> more) {
-            throw UsageFailure(zoq::quoted(name) + ", line " + std::to_string(number) +
-                               ": \"SECONDS KEY=VALUE;...\" is due");
+            throw UsageFailure(where + ": \"SECONDS KEY=VALUE;...\" is due");
         }
-        texts.emplace_back(std::stod(time), settings);
+        const std::vector<HostEvent> some = host_events(read_number(time).value, settings, where);
+        events.insert(events.end(), some.begin(), some.end());
     }
-    return texts;
+    return events;
 }
 
 }  // namespace zoq

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace zoq {
@@ -11,16 +10,16 @@ namespace zoq {
 // One thing that changes, at a time in seconds of playback.
 struct HostEvent {
     double seconds;
-    std::string key;    // block, rate, device, route, volume, processing, or a setting of parameter strings
-    std::string value;  // block: "480" or "480,512", sizes that take turns
+    std::string
+        key;  // block, rate, device, route, volume, processing, init, or a setting of parameter strings
+    std::string value;  // block: "480" or "480,512", sizes that take turns; init: none
 };
 
-// Seconds, and "KEY=VALUE;...". Throws UsageFailure for a key, a value or a time that is none.
-using TimedHostText = std::pair<double, std::string>;
-std::vector<HostEvent> host_events(const std::vector<TimedHostText>& texts);
+// "KEY=VALUE;..." at a time. Throws UsageFailure, which says where, for a key, a value or a time that is none.
+std::vector<HostEvent> host_events(double seconds, const std::string& text, const std::string& where);
 
-// Lines of "SECONDS KEY=VALUE;...", remarks behind '#'. Throws UsageFailure.
-std::vector<TimedHostText> read_schedule(const std::string& text, const std::string& name);
+// Lines of "SECONDS KEY=VALUE;...", remarks behind '#'. Throws UsageFailure, which names file and line.
+std::vector<HostEvent> read_schedule(const std::string& text, const std::string& name);
 
 // "480,512" as numbers of 1..18432; empty when the text is none such.
 std::vector<int> block_sizes(const std::string& text);

@@ -20,6 +20,7 @@ constexpr int kClickPeak = 8000;
 constexpr int kLongestDelay = 4096;
 constexpr int kHeadphoneDevices = 0x18C;
 constexpr int kRampEnd = 5120;
+constexpr int kHeadphoneFullDb = 20, kSpeakerFullDb = 18, kLoudFullDb = 21;
 
 // What a host has in its hands from moment to moment.
 class Host {
@@ -33,7 +34,6 @@ class Host {
         session.set_processing(true);
         apply(options.engine, session);
         device_ = android::gCurOutputDevice;
-        result_.events = events_;
     }
 
     Simulation play(double seconds) {
@@ -50,11 +50,15 @@ class Host {
     void apply_events() {
         for (; nextEvent_ < events_.size() && events_[nextEvent_].seconds <= now_; ++nextEvent_) {
             const auto& [seconds, key, value] = events_[nextEvent_];
+            result_.events.push_back(events_[nextEvent_]);
             if (key == "block") {
                 sizes_ = block_sizes(value);
                 turn_ = 0;
             } else if (key == "rate") {
                 rate_ = std::stoi(value);
+            } else if (key == "init") {
+                ZOQ_OUTPROC_PLAY_INIT();
+                prediction_.initialise();
             } else if (key == "volume") {
                 android::ZOQ_update_volume(std::stoi(value), AUDIO_STREAM_MUSIC);
             } else {
@@ -68,10 +72,10 @@ class Host {
             return std::string(android::zoq_switch) +
                    "=STEREOWIDEN_Enable=" + (value == "on" ? "true" : "false");
         }
-        if (key == "device" || key == "route") {
-            device_ = key == "device" ? device_mask(value)
-                                      : int64_t{value == "headphone" ? AUDIO_DEVICE_OUT_WIRED_HEADPHONE
-                                                                     : AUDIO_DEVICE_OUT_SPEAKER};
+        if (key == "device" || key == "output_device" || key == "route") {
+            device_ = key != "route" ? device_mask(value)
+                                     : int64_t{value == "headphone" ? AUDIO_DEVICE_OUT_WIRED_HEADPHONE
+                                                                    : AUDIO_DEVICE_OUT_SPEAKER};
             return "output_device=" + std::to_string(device_);
         }
         return key + "=" + value;
@@ -110,10 +114,16 @@ class Host {
         }
         result_.blocks.push_back({now_, frames, rate_, device_, state(untouched, underrun),
                                   b_parameterMEM.mixRamp, b_parameterMEM.inFill / 2,
-                                  b_parameterMEM.outFill / 2, latency,
+                                  b_parameterMEM.outFill / 2, latency, b_parameterMEM.volumeIndex,
+                                  full_compression_db(),
                                   untouched == predicted.untouched && underrun == predicted.underrun &&
                                       (untouched || queued == 2 * predicted.queueFrames)});
         starts_.push_back(input_.size() - static_cast<size_t>(frames));
+    }
+
+    static int full_compression_db() {
+        const bool loud = b_parameterMEM.volumeIndex > b_parameterMEM.volumeIndexSwitch;
+        return b_parameterMEM.headphoneMode == 1 ? kHeadphoneFullDb : loud ? kLoudFullDb : kSpeakerFullDb;
     }
 
     static Latency expected_latency(int queueFrames) {

@@ -21,6 +21,8 @@ struct PlayedBlock {
     int mix;                  // of the crossfade: 0 dry, 5120 processed
     int inFrames, outFrames;  // received and waiting, in sample frames
     Latency latency;          // expected of the sound in it
+    int volume;               // index
+    int fullDb;               // full compression of the route, at this volume index on the loudspeaker
     bool asPredicted;         // untouched, short and queue as the documentation says
 };
 
@@ -32,14 +34,14 @@ struct SimulatedClick {
 
 struct SimulationOptions {
     EngineSettings engine;
-    std::vector<HostEvent> events;
+    std::vector<HostEvent> events;  // in order of time
     double seconds = 2.0;
 };
 
 struct Simulation {
     std::vector<PlayedBlock> blocks;
     std::vector<SimulatedClick> clicks;
-    std::vector<HostEvent> events;
+    std::vector<HostEvent> events;  // those that came to pass
 };
 
 // Throws Interrupted.

@@ -134,6 +134,13 @@ int find_any_case(std::string_view text) {
     return -1;
 }
 
+bool is_near(std::string_view text, std::string_view name) {
+    const std::string wanted = lowered(text), whole = lowered(name.substr(0, kLongestName));
+    return wanted.size() >= 3 && wanted.size() <= kLongestName &&
+           std::min(edit_distance(wanted, whole), edit_distance(wanted, whole.substr(0, wanted.size()))) <=
+               1 + wanted.size() / 4;
+}
+
 std::optional<Nearest> nearest_key(std::string_view text) {
     const std::string wanted = plain_name(text.substr(0, kLongestName + 1));
     Nearest best;

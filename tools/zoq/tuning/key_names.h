@@ -30,6 +30,9 @@ struct Nearest {
 };
 std::optional<Nearest> nearest_key(std::string_view text);  // none when nothing is near
 
+// Whether a few edits make the text a name, or what the name begins with.
+bool is_near(std::string_view text, std::string_view name);
+
 // The row whose spelling holds the text, whose meaning does, or that takes the fewest edits: always one, of the keys of
 // a dialect or of all.
 struct ClosestKey {
