@@ -82,7 +82,7 @@ void append_hops(std::vector<Candidate>& candidates, const char* music, const ch
 }
 
 void append_transform(std::vector<Candidate>& candidates) {
-    static creal32_T x[kFrameSamples], y[kFrameSamples];
+    alignas(64) static creal32_T x[kFrameSamples], y[kFrameSamples];
     for (int i = 0; i < kFrameSamples; ++i) {
         x[i] = {float(i % 17) - 8.0f, float(i % 11) - 5.0f};
     }

@@ -14,6 +14,8 @@ trap 'rm -rf "$work"' EXIT
 # shellcheck disable=SC2086
 abidw --no-corpus-path --no-comp-dir-path --no-show-locs --no-elf-needed --exported-interfaces-only \
     --drop-private-types $headers "$library" --out-file "$work/now.abi"
+# Sources by their place in the tree, wherever it lies.
+sed -i "s|path='$root/|path='|" "$work/now.abi"
 grep -q "<class-decl name='parameterMEM'" "$work/now.abi" || { echo "$library has no types to compare"; exit 1; }
 if [ "$update" = yes ]; then
     cp "$work/now.abi" "$baseline"
