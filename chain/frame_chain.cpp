@@ -4,7 +4,6 @@
 #include <bit>
 
 #include "chain/absurd_settings.h"
-#include "dsp/fft_table_scope.h"
 #include "dsp/grid.h"
 #include "dsp/poison.h"
 
@@ -154,7 +153,6 @@ void stereoWidening_frame(float* frameIn, float channelCount, uint8_t headphone,
                           parameterTWS* tws, const parameterEQ* eq, const parameterDRC* drc,
                           const parameterVB* vb, const parameterX2B* x2b, const parameterGEQ* geq,
                           float* frameOut) {
-    const UnchangedFftTable scope;
     const HopSettings hop = hop_settings(*den, *tws, *eq, *vb, *x2b);
     reset_after_absurd_settings(headphone != 0 ? headphone_settings_absurd(hop, x2b->headphoneDrc, *geq)
                                                : speaker_settings_absurd(hop, *drc, *geq));

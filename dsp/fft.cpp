@@ -2,7 +2,6 @@
 
 #include "dsp/complex.h"
 #include "dsp/fft_kernels.h"
-#include "dsp/fft_table_scope.h"
 #include "dsp/fft_tables.h"
 #include "dsp/kernel_level.h"
 
@@ -10,16 +9,6 @@ namespace android {
 
 int32_t fft_table[kFrameSamples];
 int32_t fft_table_flag;
-
-FftTableKnowledge fftTableKnowledge;
-
-UnchangedFftTable::UnchangedFftTable() {
-    fftTableKnowledge = {true, false};
-}
-
-UnchangedFftTable::~UnchangedFftTable() {
-    fftTableKnowledge = {false, false};
-}
 
 namespace {
 

@@ -4,16 +4,6 @@
 
 #include "dsp/frame.h"
 
-namespace android {
-
-// What is known of the table's order: found right, and whether that stays known.
-struct FftTableKnowledge {
-    bool lasts, right;
-};
-extern FftTableKnowledge fftTableKnowledge;
-
-}  // namespace android
-
 namespace android::scalar {
 
 void fft(const int32_t* target, const creal32_T* x, creal32_T* y);

@@ -105,7 +105,8 @@ constexpr struct BitReversal {
     }
 } kBitReversal;
 
-bool equals_bit_reversal(const int32_t* table) {
+// Whether a host has left the table as it was built.
+bool is_bit_reversal(const int32_t* table) {
     IntLanes wrong[4] = {};
     for (int i = 0; i < kQuarter; i += kLanes) {
         const IntLanes right = load_ints(kBitReversal.of + i);
@@ -120,16 +121,6 @@ bool equals_bit_reversal(const int32_t* table) {
         any |= all[lane];
     }
     return any == 0;
-}
-
-// Whether a host has left the table as it was built.
-ZOQ_INLINE bool is_bit_reversal(const int32_t* table) {
-    if (fftTableKnowledge.right) {
-        return true;
-    }
-    const bool right = equals_bit_reversal(table);
-    fftTableKnowledge.right = right && fftTableKnowledge.lasts;
-    return right;
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ find dsp platform modules chain include host tables tools adapters fuzz \( -name
         may["platform"] = platform
         may["modules"] = "dsp/.*"
         may["modules/x2b"] = "dsp/.*|modules/drc/drc\\.h"
-        may["chain"] = modules "|" shared "|dsp/(fft_table_scope|grid)\\.h"
+        may["chain"] = modules "|" shared "|dsp/grid\\.h"
         may["include"] = platform "|chain/.*|" modules "|dsp/(fft|frame|grid|section)\\.h"
         may["host"] = public "|" platform "|chain/.*|" modules "|" shared "|dsp/pcm\\.h"
         may["tables"] = "dsp/.*|modules/.*"
