@@ -175,69 +175,47 @@ ZOQ_INLINE void first_stages(Source source, Rows rows) {
     }
 }
 
-// Two further stages, on the rows `offset` of all blocks.
-template <typename Rows, typename Twiddles>
-ZOQ_INLINE void two_stages_at(Rows rows, int span, int offset, Twiddles w) {
+// Two or three further stages, on the rows `offset` of all blocks.
+template <int kStages, typename Rows, typename Twiddles>
+ZOQ_INLINE void stages_at(Rows rows, int span, int offset, Twiddles w) {
+    constexpr int kCount = 1 << kStages;
     const int first = place(offset);
-    for (int n = first; n < first + place(kRows); n += place(4 * span)) {
-        ComplexLanes z[4];
-        ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
+    for (int n = first; n < first + place(kRows); n += place(kCount * span)) {
+        ComplexLanes z[kCount];
+        ZOQ_UNROLL for (int k = 0; k < kCount; ++k) {
             z[k] = row_at(rows, n + place(k * span));
         }
-        two_stages(z, w);
-        ZOQ_UNROLL for (int k = 0; k < 4; ++k) {
+        ZOQ_UNROLL for (int k = 0; k < kCount; k += 4) {
+            two_stages(z + k, w);
+        }
+        if constexpr (kStages == 3) {
+            third_stage(z, w);
+        }
+        ZOQ_UNROLL for (int k = 0; k < kCount; ++k) {
             put_row(rows, n + place(k * span), z[k]);
         }
     }
 }
 
-template <typename Rows>
-ZOQ_INLINE void next_two_stages(Rows rows, int span) {
-    two_stages_at(rows, span, 0, TwiddlesAtStart());
+template <int kStages, typename Rows>
+ZOQ_INLINE void next_stages(Rows rows, int span) {
+    stages_at<kStages>(rows, span, 0, TwiddlesAtStart());
     for (int offset = 1; offset < span; ++offset) {
-        two_stages_at(rows, span, offset, twiddles_at(span, offset));
+        stages_at<kStages>(rows, span, offset, twiddles_at(span, offset));
     }
 }
-
-#if ZOQ_LANES != 8
-// Three further stages.
-template <typename Rows, typename Twiddles>
-ZOQ_INLINE void three_stages_at(Rows rows, int span, int offset, Twiddles w) {
-    const int first = place(offset);
-    for (int n = first; n < first + place(kRows); n += place(8 * span)) {
-        ComplexLanes z[8];
-        ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
-            z[k] = row_at(rows, n + place(k * span));
-        }
-        two_stages(z, w);
-        two_stages(z + 4, w);
-        third_stage(z, w);
-        ZOQ_UNROLL for (int k = 0; k < 8; ++k) {
-            put_row(rows, n + place(k * span), z[k]);
-        }
-    }
-}
-
-template <typename Rows>
-ZOQ_INLINE void next_three_stages(Rows rows, int span) {
-    three_stages_at(rows, span, 0, TwiddlesAtStart());
-    for (int offset = 1; offset < span; ++offset) {
-        three_stages_at(rows, span, offset, twiddles_at(span, offset));
-    }
-}
-#endif
 
 // The rest of the stages on whole rows.
 template <typename Rows>
 [[gnu::noinline]] static void middle_stages(Rows rows) {
 #if ZOQ_LANES == 4
-    next_three_stages(rows, 8);
-    next_two_stages(rows, 64);
+    next_stages<3>(rows, 8);
+    next_stages<2>(rows, 64);
 #elif ZOQ_LANES == 8
-    next_two_stages(rows, 8);
-    next_two_stages(rows, 32);
+    next_stages<2>(rows, 8);
+    next_stages<2>(rows, 32);
 #else
-    next_three_stages(rows, 8);
+    next_stages<3>(rows, 8);
 #endif
 }
 
