@@ -10,8 +10,8 @@ namespace zoq {
 // One thing that changes, at a time in seconds of playback.
 struct HostEvent {
     double seconds;
-    std::string
-        key;  // block, rate, device, route, volume, processing, init, or a setting of parameter strings
+    // block, rate, device, route, volume, processing, init, or a setting of parameter strings
+    std::string key;
     std::string value;  // block: "480" or "480,512", sizes that take turns; init: none
 };
 

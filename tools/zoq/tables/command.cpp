@@ -103,28 +103,25 @@ void run_import(const Command& command) {
     conclude(result.reports, command.importJson);
 }
 
-void add_import_command(CLI::App& app, const std::shared_ptr<Command>& command) {
-    CLI::App* import = app.add_subcommand("import", "Make room responses from another measured head");
-    import->footer(kImportFooter);
-    import->add_option("FILE", command->import.head, "the head, a SOFA file")->required();
+void add_import_command(CLI::App& tables, const std::shared_ptr<Command>& command) {
+    CLI::App* sub = tables.add_subcommand("import", "Make room responses from another measured head");
+    sub->footer(kImportFooter);
+    sub->add_option("FILE", command->import.head, "the head, a SOFA file")->required();
     command->import.output = ".";
-    const auto* output =
-        import
-            ->add_option("--output", command->import.output,
-                         "the file to write, or a folder for x2b_tables.cpp (default: this folder)")
-            ->option_text("FILE|DIR");
-    import->add_flag("--check", command->import.check, "write nothing")
-        ->excludes(const_cast<CLI::Option*>(output));
-    import->add_flag("--json", command->importJson, "print the report as JSON");
-    import->callback([command, tables = &app] {
+    auto* output = sub->add_option("--output", command->import.output,
+                                   "the file to write, or a folder for x2b_tables.cpp (default: this folder)")
+                       ->option_text("FILE|DIR");
+    sub->add_flag("--check", command->import.check, "write nothing")->excludes(output);
+    sub->add_flag("--json", command->importJson, "print the report as JSON");
+    sub->callback([command, &tables] {
         for (const char* option : {"--json", "--plot", "--head"}) {
-            if (tables->count(option) > 0) {
-                throw UsageFailure(std::string(option) + " stands ahead of import, which takes its options behind it");
-}
-}  // namespace
-run_import(*command);
-}  // namespace zoq
-);
+            if (tables.count(option) > 0) {
+                throw UsageFailure(std::string(option) +
+                                   " stands ahead of import, which takes its options behind it");
+            }
+        }
+        run_import(*command);
+    });
 }
 
 }  // namespace
