@@ -33,6 +33,7 @@ bool wasAbsurd = false;  // whether the hop before ran under absurd settings; su
 void reset_after_absurd_settings(bool absurd) {
     if (wasAbsurd && !absurd) {
         stereoWidening_frame_initialize();
+        graphicalEQ_forget();
         ++poisonResets;
     }
     wasAbsurd = absurd;

@@ -16,7 +16,7 @@ namespace android {
 inline constexpr int kChainChannels = 3;  // left, right, centre
 
 // Processes one frame and returns the hop that became complete. The first hop whose settings are sane behind absurd
-// ones (chain/absurd_settings.h) begins with a reset of every module, as below.
+// ones (chain/absurd_settings.h) begins with a reset of every module, as below, and bands designed anew.
 //        argument      shape         direction
 //        frameIn       3 x 1024      in/out   left and right frame, or mono in block 0; work space for stereo input
 //        channelCount  2.0: stereo   in       any other value: one channel, block 0

@@ -48,12 +48,10 @@ void redesign_changed_bands(int bands, const float* gainDb, float Q, const float
     }
 }
 
-// A band that keeps its gain is designed anew as well.
 void reset_if_poisoned() {
     if (is_poisoned(state.delays, kPoisonedSample)) {
-        graphicalEQ_init();
+        graphicalEQ_forget();
         ++poisonResets;
-        std::fill_n(state.lastGainDb, kGeqMaxBands, kNeverEqual);
     }
 }
 
@@ -109,6 +107,11 @@ void graphicalEQ_init() {
         state.lastGainDb[k] = kNoGainDb;
         state.delays[k] = {};
     }
+}
+
+void graphicalEQ_forget() {
+    graphicalEQ_init();
+    std::fill_n(state.lastGainDb, kGeqMaxBands, kNeverEqual);
 }
 
 }  // namespace android

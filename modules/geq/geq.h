@@ -39,9 +39,12 @@ void factory_contents(parameterGEQ* record);
 void graphicalEQ(float* io, float channels, float bandCount, const float* bandGainDb, float bandQ,
                  const float* bandWarp);
 
-// Filter memories go to zero and the gains last seen to -100 dB, so the next call designs every band; the
-// coefficients survive.
+// Filter memories go to zero and the gains last seen to -100 dB, so the next call designs every band of another gain;
+// the coefficients survive.
 void graphicalEQ_init();
+
+// The same, and the next call designs every band whatever its gain: coefficients of hostile settings do not survive.
+void graphicalEQ_forget();
 
 // Designs one peaking section; boost and cut of the same size are exact inverses.
 //        K           tan(pi fc / 48000)

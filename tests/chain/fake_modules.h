@@ -101,6 +101,8 @@ void X2Binaural_v1_init() {
 void graphicalEQ_init() {
     note("geq reset");
 }
+
+void graphicalEQ_forget() {}
 void equalization_peak_init() {
     note("eq reset");
 }

@@ -1,5 +1,6 @@
 #!/bin/sh
-# How the shipped file is linked: what it needs, and that no memory is both writable and executable.
+# How the shipped file is linked: what it needs, no lock but mutexes and once, no clock, no thread, and that no memory
+# is both writable and executable.
 #   hardening.sh READELF LIBRARY NEEDED...      (file names without what follows ".so")
 set -eu
 readelf=$1 library=$2
@@ -15,6 +16,11 @@ fault() { echo "$library: $1"; failed=1; }
 printf '%s\n' "$@" | sort >"$work/lawful"
 sed -nE 's/.*\(NEEDED\).*\[(lib[^]]*|ld-linux[^]]*)\.so.*/\1/p' "$work/dynamic" | sort >"$work/needed"
 diff -u --label lawful --label needed "$work/lawful" "$work/needed" || fault "needs other libraries than it may"
+
+"$readelf" --dyn-syms -W "$library" | awk '$7 == "UND" { sub(/@.*/, "", $8); print $8 }' >"$work/imports"
+grep -qx pthread_mutex_lock "$work/imports" || fault "has no list of imports"
+! grep -E '^(pthread_|sem_|clock|time|gettimeofday|.*sleep|syscall)' "$work/imports" |
+    grep -vxE 'pthread_(once|mutex_(init|destroy|lock|unlock))' || fault "imports this lock, thread or clock"
 
 grep -q 'SONAME.*\[libzoq2processing\.so\]' "$work/dynamic" || fault "is not named as phones load it"
 ! grep -Eq 'TEXTREL' "$work/dynamic" || fault "has text relocations"

@@ -2,11 +2,8 @@
 
 #include <dlfcn.h>
 #include <pthread.h>
-#include <semaphore.h>
-#include <sys/time.h>
 #include <cerrno>
 #include <cstddef>
-#include <ctime>
 
 namespace interposed {
 thread_local bool counting = false;
@@ -93,52 +90,10 @@ int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
     return next(known, "pthread_mutex_unlock")(mutex);
 }
 
-// Forwards a function of one argument that counts as another lock.
-#define ZOQ_OTHER_LOCK(name, Type, exception) \
-    int name(Type* object) exception {        \
-        static int (*known)(Type*);           \
-        note(calls.otherLocks);               \
-        return next(known, #name)(object);    \
-    }
-ZOQ_OTHER_LOCK(pthread_mutex_trylock, pthread_mutex_t, noexcept)
-ZOQ_OTHER_LOCK(pthread_rwlock_rdlock, pthread_rwlock_t, noexcept)
-ZOQ_OTHER_LOCK(pthread_rwlock_wrlock, pthread_rwlock_t, noexcept)
-ZOQ_OTHER_LOCK(pthread_rwlock_unlock, pthread_rwlock_t, noexcept)
-ZOQ_OTHER_LOCK(pthread_cond_signal, pthread_cond_t, noexcept)
-ZOQ_OTHER_LOCK(pthread_cond_broadcast, pthread_cond_t, noexcept)
-ZOQ_OTHER_LOCK(sem_post, sem_t, noexcept)
-ZOQ_OTHER_LOCK(sem_wait, sem_t, )
-ZOQ_OTHER_LOCK(sem_trywait, sem_t, noexcept)
-#undef ZOQ_OTHER_LOCK
-
-int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
-    static int (*known)(pthread_cond_t*, pthread_mutex_t*);
-    note(calls.otherLocks);
-    return next(known, "pthread_cond_wait")(condition, mutex);
-}
-
 int pthread_once(pthread_once_t* once, void (*initialise)()) {
     static int (*known)(pthread_once_t*, void (*)());
     note(calls.otherLocks);
     return next(known, "pthread_once")(once, initialise);
-}
-
-int clock_gettime(clockid_t clock, timespec* time) noexcept {
-    static int (*known)(clockid_t, timespec*);
-    note(calls.clocks);
-    return next(known, "clock_gettime")(clock, time);
-}
-
-int gettimeofday(timeval* time, void* zone) noexcept {
-    static int (*known)(timeval*, void*);
-    note(calls.clocks);
-    return next(known, "gettimeofday")(time, zone);
-}
-
-time_t time(time_t* seconds) noexcept {
-    static time_t (*known)(time_t*);
-    note(calls.clocks);
-    return next(known, "time")(seconds);
 }
 
 }  // extern "C"

@@ -9,8 +9,7 @@ struct Calls {
     int heapCallsLocked;           // of both together, those made with a mutex held
     int mutexLocks, mutexUnlocks;  // pthread_mutex_lock and _unlock
     const void* lockedMutex;       // the last one
-    int otherLocks;                // tries, read-write locks, conditions, spin locks, semaphores, once
-    int clocks;                    // clocks answer without a system call
+    int otherLocks;                // pthread_once; the library knows no more (tests/library/hardening.sh)
 };
 
 extern thread_local bool counting;

@@ -1,5 +1,5 @@
 // What the audio thread asks of the system while it plays: one uncontended lock per block, no other lock, no memory,
-// no clock, and not one system call; and how much stack it takes.
+// and not one system call; and how much stack it takes. Clocks and other locks the library does not even import.
 #include <gtest/gtest.h>
 
 #include <linux/filter.h>
@@ -25,7 +25,8 @@ using interposed::counting;
 namespace {
 
 constexpr size_t kStack = size_t{256} << 10;
-constexpr size_t kStatedStack = 96 << 10;  // what docs/integration.md promises
+constexpr size_t kStatedStack =
+    96 << 10;  // in docs/reliability.md, well below the 128 KiB that hosts are told to give
 
 // What a child process reports about its audio thread.
 struct Report {
@@ -71,12 +72,10 @@ size_t stack_used_below(const unsigned char* frame) {
 
 void call_what_is_forbidden() {
     ::operator delete(::operator new(100));
-    pthread_cond_t condition = PTHREAD_COND_INITIALIZER;
-    pthread_cond_signal(&condition);
+    static pthread_once_t once = PTHREAD_ONCE_INIT;
+    pthread_once(&once, [] {});
     pthread_mutex_lock(&android::glock_ZOQ);
     pthread_mutex_unlock(&android::glock_ZOQ);
-    timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
 }
 
 // Waits for jobs without a system call, and never ends: ending would take some.
@@ -132,7 +131,6 @@ void play(Pcm& block, int sampleRate = 48000, int channels = 2) {
         report->calls.allocations += calls.allocations;
         report->calls.frees += calls.frees;
         report->calls.otherLocks += calls.otherLocks;
-        report->calls.clocks += calls.clocks;
         ++report->blocks;
     });
 }
@@ -213,7 +211,6 @@ TEST(Realtime, ForbiddenCallsAreSeen) {
     EXPECT_EQ(seen.calls.mutexLocks, 1);
     EXPECT_EQ(seen.calls.mutexUnlocks, 1);
     EXPECT_EQ(seen.calls.lockedMutex, &android::glock_ZOQ);
-    EXPECT_EQ(seen.calls.clocks, 1);
     EXPECT_GE(seen.stack, 48000u);
     if (!seen.trapped) {
         GTEST_SKIP() << "no seccomp here";
@@ -229,12 +226,12 @@ TEST(Realtime, AWarmBlockTakesOneLockAndNothingElse) {
     EXPECT_EQ(seen.calls.otherLocks, 0);
     EXPECT_EQ(seen.calls.allocations, 0);
     EXPECT_EQ(seen.calls.frees, 0);
-    EXPECT_EQ(seen.calls.clocks, 0);
-    EXPECT_EQ(seen.systemCalls, 0) << "the first was number " << seen.firstSystemCall;
     EXPECT_LE(seen.stack, kStatedStack);
-    RecordProperty("blocks", seen.blocks);
-    RecordProperty("stack_bytes", static_cast<int>(seen.stack));
     std::printf("%d blocks, %zu bytes of stack\n", seen.blocks, seen.stack);
+    if (!seen.trapped) {
+        GTEST_SKIP() << "no seccomp here, so system calls went unseen";
+    }
+    EXPECT_EQ(seen.systemCalls, 0) << "the first was number " << seen.firstSystemCall;
 }
 
 // The audio thread may wait for the lock that a string is applied under: the heap's lock must not stand behind it.

@@ -6,6 +6,7 @@
 #include "dsp/poison.h"
 #include "tests/host/engine.h"
 #include "tools/soak/episode.h"
+#include "tools/soak/recovery.h"
 
 using namespace android;
 
@@ -49,6 +50,7 @@ class SoakWatch : public ::testing::Test {
                       .volume = 5,
                       .initialise = false,
                       .badBlocks = false,
+                      .recovers = true,
                       .strings = {},
                       .text = {}};
     std::unique_ptr<soak::Watch> watch;
@@ -56,7 +58,6 @@ class SoakWatch : public ::testing::Test {
 
 TEST_F(SoakWatch, SeesEveryKindOfFault) {
     EXPECT_EQ(fault_of([](int, auto&) {}), "");
-    EXPECT_EQ(watch->totals.heardRecoveries, 1);
     const auto at = [](int when, auto harm) {
         return [=](int n, soak::GuardedBlock& block) {
             if (n == when) {
@@ -78,14 +79,38 @@ TEST_F(SoakWatch, SeesEveryKindOfFault) {
     EXPECT_NE(fault_of(at(30, [](auto&) { b_parameterMEM.frameHistory[3][7] = NAN; })), "");
     EXPECT_EQ(fault_of(at(30, [](auto&) { b_parameterGEQ.bandWarp[3] += 0.1f; })),
               "a record's tables were changed");
-    EXPECT_EQ(fault_of([](int n, auto& block) {
-                  std::fill_n(block.data(), n > 30 ? block.size() : 0, int16_t{0});
-              }),
-              "silent two seconds behind hostile settings");
     phase.signal = soak::Signal::kSilence;
     EXPECT_EQ(fault_of(at(200, [](auto& block) { block.data()[5] = 1; })),
               "silence does not come out as silence");
     EXPECT_EQ(fault_of(at(9, [](auto&) {})), "");
+}
+
+// A band of the loudspeaker's is hostile, or one that it does not use; then something sounds otherwise for a while.
+TEST_F(SoakWatch, ComparesWhatFollowsHostileSettings) {
+    const auto sane = [] {
+        engine::set("VB_boostlin=20;DS_stereoWidth=60;EQ_62hzgain=2;Headphone_EQ_62hzgain=0");
+    };
+    const auto fault = [&](const char* hostile, int from, int to) {
+        phase.temper = soak::Temper::kHostile;
+        EXPECT_EQ(fault_of([&](int n, auto&) { n == 100 ? engine::set(hostile) : void(); }), "");
+        phase.temper = soak::Temper::kModest;
+        watch->begin_phase(phase);
+        soak::Recovery recovery;
+        recovery.begin(phase);
+        sane();
+        play(240, [&](int n, auto& block) {
+            recovery.hear(block);
+            engine::set(n >= from && n < to ? "EQ_1khzgain=1" : "EQ_1khzgain=0");
+        });
+        return !recovery.follows() ? "not followed" : recovery.fault([&](soak::Recovery& again) {
+            sane();
+            play(240, [&](int, auto& block) { again.hear(block); });
+        });
+    };
+    EXPECT_EQ(fault("EQ_62hzgain=1e38", 0, 0), "");
+    EXPECT_EQ(fault("EQ_62hzgain=1e38", 0, 70), "");
+    EXPECT_NE(fault("EQ_62hzgain=1e38", 0, 240), "");
+    EXPECT_EQ(fault("Headphone_EQ_62hzgain=1e38", 0, 0), "not followed");
 }
 
 TEST(Soak, ASeedIsAnEpisode) {

@@ -1,6 +1,9 @@
 #include "tools/soak/episode.h"
 
+#include <functional>
+
 #include "host/configuration.h"
+#include "tools/soak/recovery.h"
 #include "zoq2processing.h"
 
 namespace soak {
@@ -39,13 +42,10 @@ std::string description(const Phase& phase) {
     return text + " " + phase.text;
 }
 
-// Returns the fault, and how many sample frames were played.
-std::string play_phase(const Phase& phase, Watch& watch, int64_t position, int64_t& played) {
-    if (phase.initialise) {
-        ZOQ_OUTPROC_PLAY_INIT();
-    }
-    apply_settings(phase);
-    watch.begin_phase(phase);
+using Check = std::function<std::string(const std::vector<int16_t>& given, const GuardedBlock& block)>;
+
+// Returns the first fault that the check finds, and how many sample frames were played.
+std::string play_blocks(const Phase& phase, int64_t position, int64_t& played, const Check& check) {
     std::vector<int16_t> given(static_cast<size_t>(phase.stream.values()));
     for (int64_t n = 0; played < phase.sampleFrames; ++n, played += phase.stream.sampleFrames) {
         if (phase.badBlocks && n % 10 == 0) {
@@ -55,12 +55,43 @@ std::string play_phase(const Phase& phase, Watch& watch, int64_t position, int64
         GuardedBlock block(given, static_cast<size_t>(n % 8));
         ZOQ_OUTPROC_PLAY_SAMPLES(block.data(), static_cast<int>(2 * block.size()), phase.stream.sampleRate,
                                  phase.stream.channels);
-        std::string fault = watch.check_block(phase, given, block);
+        std::string fault = check(given, block);
         if (!fault.empty()) {
             return fault;
         }
     }
-    return watch.check_records();
+    return "";
+}
+
+std::string play_again(const Phase& phase, const Recovery& recovery, int64_t position) {
+    return recovery.fault([&](Recovery& again) {
+        apply_settings(phase);
+        int64_t played = 0;
+        play_blocks(phase, position, played, [&](const auto&, const GuardedBlock& block) {
+            again.hear(block);
+            return std::string();
+        });
+    });
+}
+
+std::string play_phase(const Phase& phase, Watch& watch, int64_t position, int64_t& played) {
+    if (phase.initialise) {
+        ZOQ_OUTPROC_PLAY_INIT();
+    }
+    Recovery recovery;
+    recovery.begin(phase);
+    apply_settings(phase);
+    watch.begin_phase(phase);
+    std::string fault =
+        play_blocks(phase, position, played, [&](const auto& given, const GuardedBlock& block) {
+            recovery.hear(block);
+            return watch.check_block(phase, given, block);
+        });
+    if (fault.empty() && recovery.follows()) {
+        ++watch.totals.recoveries;
+        fault = play_again(phase, recovery, position);
+    }
+    return fault.empty() ? watch.check_records() : fault;
 }
 
 }  // namespace

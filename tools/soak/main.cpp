@@ -1,4 +1,4 @@
-// zoq-soak: hours of random settings, devices, volumes and blocks through both routes, every sample looked at.
+// zoq-soak: hours of random settings, devices, volumes and blocks through both routes, what comes out looked at.
 #include <chrono>
 #include <cinttypes>
 #include <cstdio>
@@ -19,9 +19,10 @@ int print_usage(int code) {
         "the seeds\n"
         "N (1), N + 1, ...: random settings, legal and hostile, devices, volumes, signals and block sizes. "
         "Looks at\n"
-        "every sample and at the engine's state after every block. An episode that fails is played a second "
-        "time; its\n"
-        "seed, given with --seed, plays it again.\n"
+        "the sound and the host's books after every block and compares the sound behind hostile settings "
+        "with a "
+        "fresh\n"
+        "engine's. An episode that fails is played a second time; how to repeat the fault is told.\n"
         "Exit code: 0 when everything held, 1 when something did not, 2 for wrong usage.\n",
         code == 0 ? stdout : stderr);
     return code;
@@ -40,7 +41,7 @@ void add(soak::Totals& sum, const soak::Totals& part) {
     sum.strings += part.strings;
     sum.hostilePhases += part.hostilePhases;
     sum.resets += part.resets;
-    sum.heardRecoveries += part.heardRecoveries;
+    sum.recoveries += part.recoveries;
     sum.initialisations += part.initialisations;
 }
 
@@ -57,32 +58,33 @@ void print_totals(const soak::Totals& t, double seconds) {
                 " initialisations\n",
                 t.blocks, t.values, t.strings, t.initialisations);
     std::printf("%" PRId64 " times hostile settings, %" PRId64 " resets of memories, %" PRId64
-                " recoveries heard\n",
-                t.hostilePhases, t.resets, t.heardRecoveries);
+                " recoveries compared\n",
+                t.hostilePhases, t.resets, t.recoveries);
 }
 
-// Tells of a fault and whether the episode repeats it.
-void report(uint64_t seed, const soak::Outcome& first, int64_t sampleFrames) {
+// Tells of a fault and how to repeat it: by its episode alone, or by all that was played.
+void report(uint64_t seed, const soak::Outcome& first, int64_t sampleFrames, uint64_t firstSeed,
+            double wanted) {
     std::printf("FAULT in the episode with seed %" PRIu64 " at sample frame %" PRId64 ": %s\n%s\n", seed,
                 first.sampleFrame, first.fault.c_str(), first.circumstances.c_str());
     const soak::Outcome again = soak::play_episode(seed, sampleFrames);
+    const bool same = again.fault == first.fault && again.sampleFrame == first.sampleFrame;
     std::printf("played a second time: %s\n",
-                again.fault == first.fault && again.sampleFrame == first.sampleFrame
-                    ? "the same again"
-                    : "not the same, so what was played before matters");
-    std::printf("to repeat: zoq-soak --seed %" PRIu64 " --hours 0.17\n", seed);
+                same ? "the same again" : "not the same, so what was played before matters");
+    std::printf("to repeat: zoq-soak --seed %" PRIu64 " --hours %.17g\n", same ? seed : firstSeed,
+                same ? hours(sampleFrames) : wanted);
 }
 
-int soak_for(double wanted, uint64_t seed) {
+int soak_for(double wanted, uint64_t firstSeed) {
     const auto start = std::chrono::steady_clock::now();
     const auto total = static_cast<int64_t>(wanted * 3600.0 * kRate);
     soak::Totals totals;
-    for (; totals.sampleFrames < total; ++seed) {
+    for (uint64_t seed = firstSeed; totals.sampleFrames < total; ++seed) {
         const int64_t length = std::min(kEpisode, total - totals.sampleFrames);
         const soak::Outcome outcome = soak::play_episode(seed, length);
         add(totals, outcome.totals);
         if (!outcome.fault.empty()) {
-            report(seed, outcome, length);
+            report(seed, outcome, length, firstSeed, wanted);
             return 1;
         }
         std::printf("seed %" PRIu64 ": %.2f of %.2f h, %.0f s\n", seed, hours(totals.sampleFrames), wanted,

@@ -9,7 +9,8 @@ namespace soak {
 namespace {
 
 constexpr int kRate = 48000;
-constexpr int64_t kRecovery = int64_t{4} * kRate;  // long enough to be heard after the two seconds of healing
+constexpr int64_t kRecovery =
+    int64_t{4} * kRate;  // long enough to be compared after the two seconds of healing
 
 constexpr const char* kHostileValues[] = {"nan",  "inf", "-inf", "1e38",  "-1e38", "1e20", "1e9",
                                           "-1e9", "1e6", "-1e4", "1000",  "-1000", "500",  "1e-42",
@@ -78,6 +79,7 @@ Phase Schedule::next() {
         phase.initialise = random_.chance(4);
         phase.badBlocks = random_.chance(5);
     }
+    phase.recovers = recovering_;
     switch_ = recovering_ || random_.chance(85) ? "true" : "false";
     phase.stream = stream_;
     phase.volume = random_.between(0, 30);

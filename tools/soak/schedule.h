@@ -29,6 +29,7 @@ struct Phase {
     int volume;
     bool initialise;                   // ZOQ_OUTPROC_PLAY_INIT comes first
     bool badBlocks;                    // a block that cannot be played stands before every tenth
+    bool recovers;                     // sane settings for every key behind hostile ones, music
     std::vector<std::string> strings;  // for ZOQ_PARAMS_SET
     std::string text;                  // for the configuration reader
 };

@@ -21,9 +21,6 @@ constexpr int kMostQueued = 4096;         // values in both rings between blocks
 constexpr int kLoudest = 32735;           // the compressor clips at 0.999
 constexpr int64_t kAllWet = 10000;        // sample frames after which the queue holds nothing from a fade
 constexpr int64_t kSilenced = 3 * kRate;  // memories are empty and quiet
-constexpr int64_t kHealed = 2 * kRate;    // the engine sounds again
-constexpr int64_t kListened = kRate;      // over which its level is taken
-constexpr double kQuietest = 1e-4;        // of the input's power: 40 dB
 constexpr int64_t kFirstSaneHops = 4096;  // sample frames in which what was hostile may still be cleared
 
 // FNV-1a over the words of a record that nothing writes after the factory fill.
@@ -67,14 +64,6 @@ double large_tables() {
     return sum;
 }
 
-double power(const int16_t* values, size_t count) {
-    double sum = 0.0;
-    for (size_t i = 0; i < count; ++i) {
-        sum += double(values[i]) * double(values[i]);
-    }
-    return sum;
-}
-
 bool in(int32_t value, int32_t lo, int32_t hi) {
     return value >= lo && value <= hi;
 }
@@ -100,11 +89,11 @@ void Watch::begin_phase(const Phase& phase) {
     totals.hostilePhases += phase.temper == Temper::kHostile ? 1 : 0;
     silent_ = wet_ = 0;
     mixRampBefore_ = 0;  // a long block can hold a whole fade
-    heardFrames_ = 0;
-    heardIn_ = heardOut_ = 0.0;
     legal_ = phase.temper == Temper::kHostile ? 0 : legal_;
-    afterHostile_ = modest_ == 0 && phase.temper == Temper::kModest;
-    modest_ = 0;
+}
+
+bool Watch::all_wet() const {
+    return wet_ > kAllWet && !ranDry_;
 }
 
 std::string Watch::check_books() const {
@@ -136,8 +125,7 @@ std::string Watch::check_values(const std::vector<int16_t>& given, const Guarded
         return "a block that passes through while the stream settles was changed";
     }
     const int16_t* end = block.data() + block.size();
-    if (wet_ > kAllWet && !ranDry_ &&
-        std::any_of(block.data(), end, [](int v) { return std::abs(v) > kLoudest; })) {
+    if (all_wet() && std::any_of(block.data(), end, [](int v) { return std::abs(v) > kLoudest; })) {
         return "a processed sample lies beyond the clip";
     }
     if (silent_ > kSilenced && std::any_of(block.data(), end, [](int v) { return v != 0; })) {
@@ -154,33 +142,15 @@ std::string Watch::check_resets(int64_t blockFrames) {
                                                                 : "";
 }
 
-// Behind hostile settings music is heard again.
-std::string Watch::listen(const Phase& phase, const std::vector<int16_t>& given, const GuardedBlock& block) {
-    if (!afterHostile_ || phase.signal != Signal::kMusic || modest_ <= kHealed || wet_ <= kAllWet) {
-        return "";
-    }
-    heardIn_ += power(given.data(), given.size());
-    heardOut_ += power(block.data(), block.size());
-    heardFrames_ += phase.stream.sampleFrames;
-    if (heardFrames_ < kListened) {
-        return "";
-    }
-    afterHostile_ = false;
-    ++totals.heardRecoveries;
-    return heardOut_ < kQuietest * heardIn_ ? "silent two seconds behind hostile settings" : "";
-}
-
 void Watch::count(const Phase& phase, const std::vector<int16_t>& given) {
     const parameterMEM& mem = b_parameterMEM;
     const int64_t frames = phase.stream.sampleFrames;
     const bool on = mem.stereoWidenEnable == 1 && mem.settleCountdown <= 0;
     const bool pair = phase.stream.channels == 2;
     ++totals.blocks;
-    totals.values += static_cast<int64_t>(given.size());
     totals.sampleFrames += frames;
     totals.processed[mem.headphoneMode] += on ? frames : 0;
     legal_ += on && phase.temper != Temper::kHostile ? frames : 0;
-    modest_ += on && phase.temper == Temper::kModest ? frames : 0;
     wet_ = on && pair && mem.mixRamp == kRampPairs && mixRampBefore_ == kRampPairs ? wet_ + frames : 0;
     silent_ = wet_ > 0 && phase.signal == Signal::kSilence && phase.temper != Temper::kHostile
                   ? silent_ + frames
@@ -189,6 +159,7 @@ void Watch::count(const Phase& phase, const std::vector<int16_t>& given) {
     const int32_t queued = mem.inFill + mem.outFill;
     ranDry_ = queuedBefore_ < kFrameValues && queued >= kFrameValues;
     queuedBefore_ = queued;
+    totals.values += mem.settleCountdown > 0 || all_wet() ? static_cast<int64_t>(given.size()) : 0;
 }
 
 std::string Watch::check_block(const Phase& phase, const std::vector<int16_t>& given,
@@ -197,8 +168,8 @@ std::string Watch::check_block(const Phase& phase, const std::vector<int16_t>& g
     if (!block.guards_stand()) {
         return "a value outside the block was written";
     }
-    for (const std::string& fault : {check_books(), check_values(given, block),
-                                     check_resets(phase.stream.sampleFrames), listen(phase, given, block)}) {
+    for (const std::string& fault :
+         {check_books(), check_values(given, block), check_resets(phase.stream.sampleFrames)}) {
         if (!fault.empty()) {
             return fault;
         }

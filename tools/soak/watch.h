@@ -24,8 +24,9 @@ class GuardedBlock {
 };
 
 struct Totals {
-    int64_t blocks = 0, values = 0, sampleFrames = 0, processed[2] = {};  // loudspeaker, headphones
-    int64_t strings = 0, hostilePhases = 0, resets = 0, heardRecoveries = 0, initialisations = 0;
+    int64_t blocks = 0, sampleFrames = 0, processed[2] = {};  // loudspeaker, headphones
+    int64_t values = 0;  // whose blocks were settling or held nothing but processed sound
+    int64_t strings = 0, hostilePhases = 0, resets = 0, recoveries = 0, initialisations = 0;
 };
 
 // Follows one episode. Every check returns what is wrong, or an empty text.
@@ -41,17 +42,13 @@ class Watch {
     std::string check_books() const;
     std::string check_values(const std::vector<int16_t>& given, const GuardedBlock& block) const;
     std::string check_resets(int64_t blockFrames);
-    std::string listen(const Phase& phase, const std::vector<int16_t>& given, const GuardedBlock& block);
+    bool all_wet() const;  // whether the block holds nothing but processed sound
     void count(const Phase& phase, const std::vector<int16_t>& given);
 
     uint64_t recordHash_;
     uint32_t resets_;
-    // Sample frames in a row that were processed: at all, under legal settings, under modest ones, without any fade,
-    // from silence.
-    int64_t legal_ = 0, modest_ = 0, wet_ = 0, silent_ = 0;
-    int64_t heardFrames_ = 0;  // of music behind hostile settings
-    double heardIn_ = 0.0, heardOut_ = 0.0;
-    bool afterHostile_ = false;
+    // Sample frames in a row that were processed: under legal settings, without any fade, from silence.
+    int64_t legal_ = 0, wet_ = 0, silent_ = 0;
     int mixRampBefore_ = 0, queuedBefore_ = 0;
     bool ranDry_ = false;  // the queue was short, so that the block came back as it was
 };
