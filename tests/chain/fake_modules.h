@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "chain/chain_initialization.h"
+#include "chain/frame_chain.h"
 
 namespace fake_modules {
 
@@ -108,28 +108,6 @@ void equalization_peak_init() {
 }
 void state_not_empty_init() {
     note("drc reset");
-}
-
-void factory_contents(parameterDEN* record) {
-    note("den", {}, {record});
-}
-void factory_contents(parameterTWS* record) {
-    note("tws", {}, {record});
-}
-void factory_contents(parameterEQ* record) {
-    note("eq", {}, {record});
-}
-void factory_contents(parameterDRC* record) {
-    note("drc", {}, {record});
-}
-void factory_contents(float cutoffHz, parameterVB* record) {
-    note("vb", {cutoffHz}, {record});
-}
-void factory_contents(parameterX2B* record) {
-    note("x2b", {}, {record});
-}
-void factory_contents(parameterGEQ* record) {
-    note("geq", {}, {record});
 }
 
 }  // namespace android

@@ -63,19 +63,6 @@ TEST(Section, WorksInPlaceAndUnderBothNames) {
     EXPECT_EQ(z[1], after[1]);
 }
 
-TEST(Section, TheIdentityPaysOutItsDelays) {
-    const std::vector<float> x = signals::noise(3, kHop);
-    std::vector<float> y(kHop), expected = x;
-    Coefficients c = {{1.0f, 0.0f, 0.0f}, {1.0f, 0.0f, 0.0f}};
-    float z[2] = {0.5f, 0.25f};
-    filter(c.b, c.a, x.data(), z, y.data(), z);
-    expected[0] += 0.5f;
-    expected[1] += 0.25f;
-    EXPECT_EQ(y, expected);
-    EXPECT_EQ(z[0], 0.0f);
-    EXPECT_EQ(z[1], 0.0f);
-}
-
 TEST(Section, NormalisesByA0UnlessItIsZeroOrOne) {
     const std::vector<float> x = signals::noise(4, kHop);
     const std::vector<float> expected = run(kSections[1], x);

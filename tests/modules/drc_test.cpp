@@ -144,69 +144,6 @@ TEST(Compressor, BracketsStepAtTheirLowerEnds) {
     }
 }
 
-// The level that a constant settles at, from the curves drawn in dB.
-TEST(Compressor, StaticCurve) {
-    const parameterDRC p = record_with(12.6f);
-    for (double levelDb : {-70.0, -55.0, -40.0, -24.0, -18.0, -12.0, -6.0, 0.0, 6.0}) {
-        const double compDb = reduction_db(levelDb + 17.9268, 8.9634, -5.0 / 6.0);
-        const double limDb = reduction_db(levelDb + 12.6 - compDb + 1.0, 0.5, -0.95);
-        const double belowDb = std::min(levelDb - (12.6 - 60.0), 0.0);
-        const size_t hops = levelDb < -50.0 ? 600 : 40;  // the level falls slowly from its start at -50 dB
-        const std::vector<float> constant(hops * kHopSamples, float(std::pow(10.0, levelDb / 20.0)));
-        state_not_empty_init();
-        const Stereo y = play({constant, constant}, p);
-        // The smoothed level stops where a step, 1e-4 of the distance, is below half its unit: 0.02 dB early.
-        EXPECT_NEAR(20.0 * std::log10(double(y.left.back())),
-                    std::min(levelDb + 12.6 - compDb - limDb + 0.5 * belowDb, -0.0087), 0.02)
-            << levelDb;
-        EXPECT_EQ(y.left, y.right);
-    }
-}
-
-TEST(Compressor, ClipsAtFullScale) {
-    Stereo x = signals::stereo_noise(3, 40);
-    for (std::vector<float>* channel : {&x.left, &x.right}) {
-        for (float& sample : *channel) {
-            sample = sample < 0.0f ? -1.0f : 1.0f;
-        }
-    }
-    state_not_empty_init();
-    const Stereo y = play(x, record_with(21.0f));
-    EXPECT_EQ(*std::max_element(y.left.begin(), y.left.end()), 0.999f);
-    EXPECT_EQ(*std::min_element(y.right.begin(), y.right.end()), -0.999f);
-}
-
-TEST(Compressor, ChannelsShareTheLargerReduction) {
-    Stereo x = signals::stereo_noise(4, 20);
-    for (size_t n = 0; n < x.left.size(); ++n) {
-        x.left[n] = x.right[n] * 0x1p-10f;  // a probe: quiet, and exact in every product
-    }
-    state_not_empty_init();
-    const Stereo y = play(x, record_with(6.0f));
-    for (size_t n = 0; n < y.left.size(); ++n) {
-        if (std::fabs(y.right[n]) < 0.998f) {
-            ASSERT_EQ(y.left[n], y.right[n] * 0x1p-10f) << n;
-        }
-    }
-    state_not_empty_init();
-    EXPECT_EQ(play({x.right, x.left}, record_with(6.0f)), (Stereo{y.right, y.left}));
-}
-
-TEST(Compressor, ASingleChannelLeavesTheOtherAndItsMemoryAlone) {
-    const Stereo loud = signals::stereo_noise(5, 300), later = signals::stereo_noise(6, 4, 1e-3f);
-    const Stereo quiet = signals::stereo_noise(7, 300, 1e-4f);
-    const parameterDRC p = record_with(18.0f);
-    state_not_empty_init();
-    play({quiet.left, loud.right}, p);
-    const Stereo whole = play(later, p);
-    state_not_empty_init();
-    play({quiet.left, loud.right}, p);
-    EXPECT_EQ(play(quiet, p, 1.0f).right, quiet.right);
-    const Stereo resumed = play(later, p);
-    // Channel 1 holds the larger reduction and level throughout, so its memory alone decides.
-    EXPECT_EQ(resumed, whole);
-}
-
 TEST(Compressor, ResetEqualsFresh) {
     play(signals::stereo_noise(8, 20), record_with(21.0f));
     EXPECT_NE(play(signals::stereo_noise(1, 8), record_with(12.0f)), kFresh);

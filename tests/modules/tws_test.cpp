@@ -114,18 +114,6 @@ TEST(Tws, EqualsConvolutionInTimeWithDelayedCentreAndLinearBlend) {
     }
 }
 
-TEST(Tws, FiltersThatOnlyDelayLineUpWithTheDirectPath) {
-    Stream stream;
-    std::fill(stream.centre.begin(), stream.centre.end(), 0.0f);
-    const Taps taps{signals::impulse(180, kHop), std::vector<float>(kHop)};
-    const auto direct = widened(record_with(taps, 0.0f, 180.0f), stream.frame(2));
-    const auto wide = widened(record_with(taps, 1.0f, 180.0f), stream.frame(2));
-    const auto mixed = widened(record_with(taps, 0.5f, 180.0f), stream.frame(2));
-    EXPECT_TRUE(std::equal(direct.begin(), direct.begin() + kHop, stream.left.begin() + 2 * kHop - 180));
-    EXPECT_LT(signals::worst_difference(direct, wide), kTolerance);
-    EXPECT_LT(signals::worst_difference(direct, mixed), kTolerance);
-}
-
 TEST(Tws, AnyDelayReadsInsideTheFrameAndOnlyTheHopIsWritten) {
     const Taps silent{std::vector<float>(kHop), std::vector<float>(kHop)};
     const std::vector<float> in = Stream().frame(1);

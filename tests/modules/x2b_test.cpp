@@ -165,27 +165,6 @@ TEST(X2b, EqualsDirectConvolutionWhileWidthAndChannelsChange) {
     }
 }
 
-TEST(X2b, ImpulsePlaysThroughAllPartitionsAndEnds) {
-    const size_t at = 100, hops = 7;
-    Stream x{signals::impulse(at, hops * kHop), std::vector<float>(hops * kHop),
-             std::vector<float>(hops * kHop)};
-    X2Binaural_v1_init();
-    std::vector<float> left, right;
-    for (size_t hop = 0; hop < hops; ++hop) {
-        const std::vector<float> out = render(x, hop, 2.0f, 1.0f);
-        left.insert(left.end(), out.begin(), out.begin() + kHop);
-        right.insert(right.end(), out.begin() + kHop, out.end());
-    }
-    const float tailGain[] = {1.0f, 2.0f, 2.0f, 4.0f};
-    for (size_t n = 0; n < hops * kHop; ++n) {
-        const bool sounding = n >= at && n < at + kTaps;
-        const float same = sounding ? rooms().ipsi[2][n - at] : 0.0f;
-        const float opposite = sounding ? tailGain[(n - at) / kHop] * rooms().contra[2][n - at] : 0.0f;
-        ASSERT_NEAR(left[n], same, 1e-6) << n;
-        ASSERT_NEAR(right[n], opposite, 1e-6) << n;
-    }
-}
-
 TEST(X2b, ResetEqualsFreshAndWithoutItTheTailCarriesOn) {
     const Stream x = test_stream(3), silence{std::vector<float>(3 * kHop), std::vector<float>(3 * kHop),
                                              std::vector<float>(3 * kHop)};
