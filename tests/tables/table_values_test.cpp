@@ -1,14 +1,12 @@
-// The tables that follow formulas: transforms, pan curves, sections; and the comparison that guards them all.
+// The tables that follow formulas: transforms and pan curves; and the comparison that guards them all. The sections are
+// in the test of the module that runs them.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <complex>
-#include <cstdio>
 #include <numbers>
 
 #include "dsp/fft_tables.h"
 #include "modules/den/den_tables.h"
-#include "modules/vb/vb_tables.h"
 #include "tables/generated_file.h"
 
 using namespace android;
@@ -16,12 +14,6 @@ using namespace android;
 namespace {
 
 constexpr long double kPi = std::numbers::pi_v<long double>;
-
-std::string six_digits(float value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g", double(value));
-    return text;
-}
 
 }  // namespace
 
@@ -58,25 +50,6 @@ TEST(TransformTables, AreTheNearestFloats) {
     }
 }
 
-TEST(PanCurves, HaveTheListedColumns) {
-    const struct {
-        int K;
-        const char* coefficients[4];
-    } listed[] = {
-        {1, {"-6.58555e-05", "-1.23816e-08", "1.00007", "-1.563e-10"}},
-        {25, {"-0.0681361", "-0.0183249", "1.08643", "-0.000224168"}},
-        {50, {"0.0301256", "-0.868167", "1.84063", "-0.00833083"}},
-        {75, {"2.37394", "-5.34091", "3.99241", "-0.00577318"}},
-        {100, {"4.56978", "-8.54254", "4.89881", "0.161961"}},
-    };
-    for (const auto& column : listed) {
-        for (int row = 0; row < 4; ++row) {
-            EXPECT_EQ(six_digits(kWideCurve[row][column.K - 1]), column.coefficients[row])
-                << column.K << " " << row;
-        }
-    }
-}
-
 // A fit is the least-squares one exactly if what it leaves is orthogonal to all it could have used.
 TEST(PanCurves, LeaveResidualsOrthogonalToCubics) {
     for (int K = 1; K <= kDenCurveColumns; ++K) {
@@ -95,126 +68,6 @@ TEST(PanCurves, LeaveResidualsOrthogonalToCubics) {
         for (const double moment : moments) {
             EXPECT_NEAR(moment, 0.0, 3e-7) << K;  // coefficients up to 8.5, rounded to float
         }
-    }
-}
-
-TEST(PanCurves, MoveBalancedBinsOnlyFromColumn77) {
-    for (int K = 1; K <= kDenCurveColumns; ++K) {
-        EXPECT_EQ(kWideCurve[3][K - 1] > 0.0f, K >= 77) << K;
-    }
-}
-
-TEST(PanCurves, GrowSmoothlyFromColumnToColumn) {
-    for (int i = 0; i <= 100; ++i) {
-        float last = float(i) / 100.0f;
-        for (int K = 1; K <= kDenCurveColumns; ++K) {
-            float curve = 0.0f;
-            for (const auto& row : kWideCurve) {
-                curve = curve * (float(i) / 100.0f) + row[K - 1];
-            }
-            EXPECT_GT(curve, -0.02f);
-            EXPECT_LT(curve, 1.1f);
-            const float clamped = std::fmin(std::fmax(curve, 0.0f), 1.0f);
-            EXPECT_GT(clamped - last, -0.002f) << K << " " << i;
-            EXPECT_LT(clamped - last, 0.02f) << K << " " << i;
-            last = clamped;
-        }
-    }
-}
-
-// Poles inside the unit circle, and the response that the name promises, from the transfer function itself.
-TEST(BassSections, AreButterworthFiltersAtTheirCutoffs) {
-    const auto gain = [](const float* sos, int sections, double hz) {
-        const std::complex<double> z = std::polar(1.0, -2.0 * std::numbers::pi * hz / kSampleRateHz);
-        std::complex<double> h = 1.0;
-        for (int s = 0; s < sections; ++s) {
-            const auto c = [&](int j) { return double(sos[3 * j + s]); };
-            h *= (c(0) + z * (c(1) + z * c(2))) / (c(3) + z * (c(4) + z * c(5)));
-        }
-        return std::abs(h);
-    };
-    const double half = std::sqrt(0.5);
-    for (const VbSections& set : kVbSections) {
-        // Four input high-passes have zeros a little off z = 1, and floats near 1 cost the low corners digits.
-        EXPECT_NEAR(gain(set.lowpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.outputHighpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.inputHighpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.outputHighpassSos, 2, 8000), 1.0, 1e-3) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.inputHighpassSos, 2, 8000), 1.0, 1e-3) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.bandHighpassSos, 1,
-                         set.cutoffHz <= 80    ? 30
-                         : set.cutoffHz <= 120 ? 50
-                         : set.cutoffHz == 150 ? 70
-                                               : 80),
-                    half, 0.01)
-            << set.cutoffHz;
-    }
-    EXPECT_NEAR(gain(kVbHarmonicLowpassSos, 1, 420), half, 1e-3);
-    EXPECT_NEAR(gain(kVbHarmonicLowpassSos, 1, 0), 1.0, 1e-3);
-}
-
-// The set in every factory record, coefficient by coefficient.
-TEST(BassSections, HaveTheGivenSetFor80Hz) {
-    const VbSections& set = kVbSections[2];
-    ASSERT_EQ(set.cutoffHz, 80);
-    const float lowpass[] = {7.41426642e-10f,
-                             1,
-                             0,
-                             1.48285328e-09f,
-                             1.99999988f,
-                             0,
-                             7.41426642e-10f,
-                             1,
-                             0,
-                             1,
-                             1,
-                             0,
-                             -1.98072743f,
-                             -1.99190795f,
-                             0,
-                             0.980836093f,
-                             0.99201721f,
-                             0};
-    const float input[] = {0.986410797f,
-                           1,
-                           0,
-                           -1.97282171f,
-                           -1.99999988f,
-                           0,
-                           0.986410797f,
-                           1,
-                           0,
-                           1,
-                           1,
-                           0,
-                           -1.98072743f,
-                           -1.99190795f,
-                           0,
-                           0.980836093f,
-                           0.99201721f,
-                           0};
-    const float output[] = {0.986410797f,
-                            1,
-                            0,
-                            -1.97282159f,
-                            -2,
-                            0,
-                            0.986410797f,
-                            1,
-                            0,
-                            1,
-                            1,
-                            0,
-                            -1.98072743f,
-                            -1.99190795f,
-                            0,
-                            0.980836093f,
-                            0.99201721f,
-                            0};
-    for (int i = 0; i < kSectionMatrixFloats; ++i) {
-        EXPECT_EQ(set.lowpassSos[i], lowpass[i]) << i;
-        EXPECT_EQ(set.inputHighpassSos[i], input[i]) << i;
-        EXPECT_EQ(set.outputHighpassSos[i], output[i]) << i;
     }
 }
 
