@@ -61,13 +61,15 @@ class TextMaker {
                                                "3.",
                                                "\"7\"",
                                                "#",
-                                               "99999999999",
-                                               "12345678901234567890",
                                                "\v8",
                                                "nan(1)",
                                                "true",
-                                               "STEREOWIDEN_Enable=true",
-                                               "STEREOWIDEN_Enable=false"};
+                                               "99999999999",
+                                               "12345678901234567890"};
+        static constexpr const char* kSwitch[] = {"STEREOWIDEN_Enable=true", "STEREOWIDEN_Enable=false"};
+        if (below(30) == 0) {
+            return one_of(kSwitch);
+        }
         return below(2) == 0 ? one_of(kOdd) : number(static_cast<double>(below(40000)) / 100.0 - 150.0);
     }
 
