@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 #include "tables/head_file.h"
@@ -60,6 +61,16 @@ TEST(LoadHead, GivesUpOnAFileThatTakesForever) {
     EXPECT_TRUE(says(complaint([&] { load_head(written(bytes), 1); }), "comes to no end"));
 }
 
+// What no file brings so far: its reader looks at it first.
+TEST(RequireSound, RefusesMeasurementsWithoutDirections) {
+    Head head = ball(48000.0);
+    EXPECT_EQ(complaint([&] { require_sound(head); }), "");
+    head.directions[3].azimuth = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_TRUE(says(complaint([&] { require_sound(head); }), "measurement 4 has no finite"));
+    head.directions.clear();
+    EXPECT_TRUE(says(complaint([&] { require_sound(head); }), "no measurements"));
+}
+
 TEST(Rooms, RefuseAHeadWithoutTheDirectionsTheyNeed) {
     Head head = ball(48000.0);
     for (Direction& direction : head.directions) {
@@ -68,6 +79,4 @@ TEST(Rooms, RefuseAHeadWithoutTheDirectionsTheyNeed) {
         }
     }
     EXPECT_TRUE(says(complaint([&] { make_room_responses(head); }), "azimuth 60, elevation 0"));
-    head.directions.clear();
-    EXPECT_TRUE(says(complaint([&] { require_sound(head); }), "no measurements"));
 }
