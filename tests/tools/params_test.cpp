@@ -57,6 +57,11 @@ TEST(Params, RangesAndFallbacksAreTheEnginesOwn) {
     }
 }
 
+TEST(Params, ThePredictionBeginsAsTheEngineDoesAtLoad) {
+    b_parameterMEM = {};
+    EXPECT_TRUE(engine_holds(Prediction()));
+}
+
 TEST(Params, FormulasAreTheEnginesOwn) {
     for (int row = 0; row < android::kSettings; ++row) {
         if (setting(row).derive == nullptr) {
