@@ -92,7 +92,7 @@ TEST_F(TablesImportTest, SaysWhatIsWrongWithAHead) {
         {[](auto& c) { c.without = "SourcePosition"; }, {"bad.sofa"}},
         {[](auto& c) { c.without = "Data.SamplingRate"; }, {"bad.sofa", "sampling rate"}},
         {[](auto& c) { c.head.rateHz = 8000.0; }, {"8000 Hz", "32000 to 192000"}},
-        {[](auto& c) { c.head.rateHz = 0.0; }, {" 0 Hz", "32000 to 192000"}},
+        {[](auto& c) { c.head.rateHz = 200000.0; }, {"200000 Hz", "32000 to 192000"}},
         {[&](auto& c) { c.head.rateHz = nan; }, {"sampling rate", "32000 to 192000"}},
         {[&](auto& c) { c.head.responses[7][1][3] = nan; }, {"measurement 8", "not finite"}},
         {[&](auto& c) { c.head.directions[3].azimuth = nan; }, {"measurement 4", "not finite"}},
