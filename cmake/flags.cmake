@@ -25,20 +25,31 @@ if(ZOQ_CHECK_KERNELS)
   add_compile_definitions(ZOQ_CHECK_KERNELS)
 endif()
 
-# The lanes for which this target has fast kernels, and what its compiler needs for them beyond the target's base
-# set. GCC fuses products and sums where the target has FMA, so the wide kernels go without it; clang, which does not,
-# takes AVX-512 away, too, if it may not have FMA.
-set(ZOQ_KERNEL_LANES 4)
+# Which forms of a kernel the compiler's target has, as dsp/kernel_level.h tells them apart.
+include(CheckCXXSourceCompiles)
+function(zoq_check_target variable condition)
+  set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+  check_cxx_source_compiles("#if !(${condition})\n#error\n#endif\n" ${variable})
+endfunction()
+zoq_check_target(ZOQ_TARGET_X86_64 "defined(__x86_64__)")
+zoq_check_target(ZOQ_TARGET_NEON "defined(__aarch64__) || defined(__ARM_NEON)")
+
+# The lanes for which this target has fast kernels (targets that are neither have the scalar forms alone), and what its
+# compiler needs for them beyond the target's base set. GCC fuses products and sums where the target has FMA, so the wide
+# kernels go without it; clang, which does not, takes AVX-512 away, too, if it may not have FMA.
+set(ZOQ_KERNEL_LANES "")
 set(ZOQ_KERNEL_FLAGS_4 "")
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
-  list(APPEND ZOQ_KERNEL_LANES 8 16)
+if(ZOQ_TARGET_NEON)
+  set(ZOQ_KERNEL_LANES 4)
+elseif(ZOQ_TARGET_X86_64)
+  set(ZOQ_KERNEL_LANES 4 8 16)
   set(ZOQ_KERNEL_FLAGS_8 -mavx2 -mno-fma)
   set(ZOQ_KERNEL_FLAGS_16 -mavx512f -mavx512dq -mavx512bw -mavx512vl -mprefer-vector-width=512
       $<$<CXX_COMPILER_ID:GNU>:-mno-fma>)
 endif()
 
 # Long straight code in vectors gains where it is ordered with an eye to the registers, which GCC leaves out on x86.
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$" AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+if(ZOQ_TARGET_X86_64 AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   set(ZOQ_KERNEL_FLAGS -fschedule-insns -fsched-pressure -frename-registers)
 endif()
 

@@ -4,14 +4,10 @@
 #include <cmath>
 #include <cstring>
 
-#include "dsp/complex.h"
 #include "dsp/fft.h"
-#include "dsp/fft_tables.h"
-#include "dsp/grid.h"
-#include "dsp/kernel_level.h"
 #include "dsp/poison.h"
 #include "dsp/shared_value.h"
-#include "modules/den/den_kernels.h"
+#include "modules/den/den_steps.h"
 #include "modules/den/den_tables.h"
 
 namespace android {
@@ -60,14 +56,6 @@ struct State {
 
 State state;
 
-struct Gains {
-    float left, right;
-};
-
-float clamp_to_unit(float x) {
-    return x < 0.0f ? 0.0f : x > 1.0f ? 1.0f : x;
-}
-
 // Truncates; whatever is not at least 1 counts as 1.
 int index_within(float value, int last) {
     if (!(value >= 1.0f)) {
@@ -103,151 +91,10 @@ void turn_history() {
     state.newest = (state.newest + kHistoryHops - 1) % kHistoryHops;
 }
 
-// p runs from -1 (left) to +1 (right); the gains meet at 0.706 in the middle.
-Gains pan_law_gains(float p) {
-    const float x = (p + 1.0f) * 0.5f;
-    const float left = (-0.8338f * x - 0.2086f) * x + 1.0189f;
-    const float right = (-0.8338f * x + 1.8762f) * x - 0.0235f;
-    return {clamp_to_unit(left), clamp_to_unit(right)};
-}
-
-// The less two channels have in common, the farther out the louder one pulls the bin.
-float pan_index(creal32_T l, creal32_T r) {
-    const float leftPower = squared_magnitude(l), rightPower = squared_magnitude(r);
-    const creal32_T cross{l.re * r.re + l.im * r.im, l.im * r.re - l.re * r.im};
-    const float likeness =
-        rdivide(2.0f * std::sqrt(squared_magnitude(cross)), leftPower + rightPower + kDenQuotientGuard);
-    const float difference = rightPower - leftPower;
-    const float side = difference > 0.0f ? 1.0f : difference < 0.0f ? -1.0f : 0.0f;
-    return (1.0f - likeness) * side;
-}
-
-float moved_pan_index(const DenCubic& curve, float p) {
-    const float u = p > 0.0f ? p : -p;
-    const float moved = ((curve.c0 * u + curve.c1) * u + curve.c2) * u + curve.c3;
-    return p > 0.0f ? clamp_to_unit(moved) : -clamp_to_unit(moved);
-}
-
-// The weaker the side against the mid, the more of the mid is centre.
-float centre_gain(float side, float mid) {
-    if (side > mid) {
-        return 0.0f;
-    }
-    return (1.0f - std::sqrt(side / (mid + kDenPowerGuard))) * 0.5f;
-}
-
-}  // namespace
-
-namespace scalar {
-
-void den_window_pair(const float* io, float* windowed) {
-    for (int n = 0; n < kFrameSamples; ++n) {
-        windowed[n] = io[n] * kSineWindow[n];
-        windowed[kFrameSamples + n] = io[kFrameSamples + n] * kSineWindow[n];
-    }
-}
-
-void den_widen(const DenCubic& curve, DenSpectra& s) {
-    for (int k = kDenFirstWideBin; k <= kDenLastWideBin; ++k) {
-        const float p = pan_index(s.left[k], s.right[k]);
-        const Gains before = pan_law_gains(p);
-        const Gains after = pan_law_gains(moved_pan_index(curve, p));
-        s.left[k] = s.left[k] * rdivide(after.left, before.left + kDenQuotientGuard);
-        s.right[k] = s.right[k] * rdivide(after.right, before.right + kDenQuotientGuard);
-    }
-}
-
-void den_extract_centre(const DenBands& bands, float smoothFactor, bool subtract, DenPowers& powers,
-                        DenSpectra& s) {
-    const float newWeight = 1.0f - smoothFactor;
-    for (int j = 0; j < kDenCentreBands; ++j) {
-        const DenBand band = bands.band[j];
-        creal32_T side{}, mid{};
-        for (int k = band.first; k < band.end; ++k) {
-            side = side + (s.left[k] - s.right[k]);
-            mid = mid + (s.left[k] + s.right[k]);
-        }
-        float& sidePower = powers.side[j];
-        float& midPower = powers.mid[j];
-        sidePower = newWeight * squared_magnitude(side) + smoothFactor * sidePower;
-        midPower = newWeight * squared_magnitude(mid) + smoothFactor * midPower;
-        const float gain = centre_gain(sidePower, midPower);
-        for (int k = band.first; k < band.end; ++k) {
-            s.centre[k] = (s.left[k] + s.right[k]) * gain;
-            if (subtract) {
-                s.left[k] = s.left[k] - s.centre[k];
-                s.right[k] = s.right[k] - s.centre[k];
-            }
-        }
-    }
-}
-
-// Records the hop's magnitudes and returns each band's share of the centre.
-void den_measure_bands(const DenBands& bands, const DenSpectra& s, DenEnergies& energies,
-                       DenMagnitudes& newest, float* share) {
-    for (int j = 0; j < kDenSpeechBands; ++j) {
-        const DenBand band = bands.band[j];
-        float centreMagnitude = 0.0f, sideMagnitude = 0.0f, centreEnergy = 0.0f, sideEnergy = 0.0f;
-        for (int k = band.first; k < band.end; ++k) {
-            const float centrePower = squared_magnitude(s.centre[k]);
-            const float sidePower = squared_magnitude(s.left[k] - s.right[k]);
-            centreMagnitude += std::sqrt(centrePower);
-            sideMagnitude += std::sqrt(sidePower);
-            centreEnergy += centrePower;
-            sideEnergy += sidePower;
-        }
-        newest.centre[j] = centreMagnitude;
-        newest.side[j] = sideMagnitude;
-        float& centre = energies.centre[j];
-        float& side = energies.side[j];
-        centre = kDenNewEnergy * centreEnergy + kDenOldEnergy * centre;
-        side = kDenNewEnergy * sideEnergy + kDenOldEnergy * side;
-        share[j] = std::sqrt(centre / ((centre + kDenPowerGuard) + side));
-    }
-}
-
-void den_scale_bands(const DenBands& bands, const float* gain, DenSpectra& s) {
-    for (int j = 0; j < kDenSpeechBands; ++j) {
-        const DenBand band = bands.band[j];
-        for (int k = band.first; k < band.end; ++k) {
-            s.centre[k] = s.centre[k] * gain[j];
-            s.left[k] = s.left[k] * gain[j];
-            s.right[k] = s.right[k] * gain[j];
-        }
-    }
-}
-
-void den_window_centre(const creal32_T* frame, float* io) {
-    for (int n = 0; n < kFrameSamples; ++n) {
-        io[2 * kFrameSamples + n] = frame[n].re * kSineWindow[n];
-    }
-}
-
-void den_window_sides(const creal32_T* frame, float* io) {
-    for (int n = 0; n < kFrameSamples; ++n) {
-        io[n] = frame[n].re * kSineWindow[n];
-        io[kFrameSamples + n] = frame[n].im * kSineWindow[n];
-    }
-}
-
-}  // namespace scalar
-
-ZOQ_KERNEL(den_window_pair, const float* io, float* windowed);
-ZOQ_KERNEL(den_widen, const DenCubic& curve, DenSpectra& s);
-ZOQ_KERNEL(den_extract_centre, const DenBands& bands, float smoothFactor, bool subtract, DenPowers& powers,
-           DenSpectra& s);
-ZOQ_KERNEL(den_measure_bands, const DenBands& bands, const DenSpectra& s, DenEnergies& energies,
-           DenMagnitudes& newest, float* share);
-ZOQ_KERNEL(den_scale_bands, const DenBands& bands, const float* gain, DenSpectra& s);
-ZOQ_KERNEL(den_window_centre, const creal32_T* frame, float* io);
-ZOQ_KERNEL(den_window_sides, const creal32_T* frame, float* io);
-
-namespace {
-
 // io keeps the unwindowed frames.
 void analyse(const float* io, DenSpectra& s) {
     float windowed[2 * kFrameSamples];
-    den_window_pair_kernel.run({{windowed, sizeof windowed}}, io, windowed);
+    den_window_pair(io, windowed);
     split_stereo_spectrum(windowed, windowed + kFrameSamples, s.left, s.right);
     std::memset(s.left + kBins, 0, sizeof s.left - kBins * sizeof(creal32_T));
     std::memset(s.right + kBins, 0, sizeof s.right - kBins * sizeof(creal32_T));
@@ -258,37 +105,7 @@ void widen(float wideAmount, const float* wideCurve, DenSpectra& s) {
     const float column = std::floor((wideAmount * 0.25f) * 100.0f);
     const float* c = wideCurve + index_within(column, kDenCurveColumns) - 1;
     const DenCubic curve{c[0], c[kDenCurveColumns], c[2 * kDenCurveColumns], c[3 * kDenCurveColumns]};
-    den_widen_kernel.run({{&s, sizeof s}}, curve, s);
-}
-
-// Bands that overlap or leave bins out go the scalar way.
-void extract_centre(const DenBands& bands, float smoothFactor, bool subtract, DenSpectra& s) {
-    if (bands.adjoin) {
-        den_extract_centre_kernel.run({{&state.powerSm, sizeof state.powerSm}, {&s, sizeof s}}, bands,
-                                      smoothFactor, subtract, state.powerSm, s);
-    } else {
-        scalar::den_extract_centre(bands, smoothFactor, subtract, state.powerSm, s);
-    }
-}
-
-void measure_bands(const DenBands& bands, const DenSpectra& s, float* share) {
-    DenMagnitudes& newest = magnitudes(0);
-    if (bands.adjoin) {
-        den_measure_bands_kernel.run({{&state.energySm, sizeof state.energySm},
-                                      {&newest, sizeof newest},
-                                      {share, kDenSpeechBands * sizeof(float)}},
-                                     bands, s, state.energySm, newest, share);
-    } else {
-        scalar::den_measure_bands(bands, s, state.energySm, newest, share);
-    }
-}
-
-void scale_bands(const DenBands& bands, const float* gain, DenSpectra& s) {
-    if (bands.adjoin) {
-        den_scale_bands_kernel.run({{&s, sizeof s}}, bands, gain, s);
-    } else {
-        scalar::den_scale_bands(bands, gain, s);
-    }
+    den_widen(curve, s);
 }
 
 // -2 .. 2: whether the centre or the side fluctuates more between the two newer and the two older hops.
@@ -311,29 +128,29 @@ float speech_activity() {
     float& smoothed = state.bdiffSm;
     smoothed =
         x < smoothed ? kReleaseNew * x + kReleaseOld * smoothed : kAttackNew * x + kAttackOld * smoothed;
-    return clamp_to_unit(smoothed);
+    return std::clamp(smoothed, 0.0f, 1.0f);
 }
 
 void boost_speech(const DenBands& bands, float centerSpeechGain, float baseGain, DenSpectra& s) {
     float share[kDenBandRow], gain[kDenBandRow];
-    measure_bands(bands, s, share);
+    den_measure_bands(bands, s, state.energySm, magnitudes(0), share);
     const float activity = speech_activity();
     for (int j = 0; j < kDenSpeechBands; ++j) {
         gain[j] = baseGain + activity * (centerSpeechGain - 1.0f) * share[j];
     }
-    scale_bands(bands, gain, s);
+    den_scale_bands(bands, gain, s);
 }
 
 void synthesise_centre(const DenSpectra& s, float* io) {
     creal32_T frame[kFrameSamples];
     merge_mono_spectrum(s.centre, frame);
-    den_window_centre_kernel.run({{io + 2 * kFrameSamples, kFrameSamples * sizeof(float)}}, frame, io);
+    den_window_centre(frame, io);
 }
 
 void synthesise_sides(const DenSpectra& s, float* io) {
     creal32_T frame[kFrameSamples];
     merge_stereo_spectrum(s.left, s.right, frame);
-    den_window_sides_kernel.run({{io, 2 * kFrameSamples * sizeof(float)}}, frame, io);
+    den_window_sides(frame, io);
 }
 
 // Untouched sides need no transform: half of the input, overlap-added, is the input.
@@ -397,7 +214,7 @@ void DialogueEnhancementWide(float* io, float smoothFactor, float centerSpeechGa
         widen(wideAmount, wideCurve, s);
     }
     if (!(unityGains && stereoOutput == 1.0f)) {
-        extract_centre(bands, smoothFactor, !sidesUntouched, s);
+        den_extract_centre(bands, smoothFactor, !sidesUntouched, state.powerSm, s);
     }
     if (centerSpeechGain > 1.0f) {
         boost_speech(bands, centerSpeechGain, baseGain, s);

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstring>
 
+#include "dsp/fft_tables.h"
 #include "tests/support/dft.h"
 #include "tests/support/kernel_levels.h"
 #include "tests/support/signals.h"
@@ -152,6 +154,22 @@ TEST(Fft, TwoRealFramesShareOneTransform) {
 
     merge_mono_spectrum(leftHalf.data(), frame.data());
     EXPECT_LT(relative_error(frame, exact(left)), 2 * kBound);
+}
+
+// The fast forms load the twiddles of the lower half of a stage alone and turn them by -j for the upper half.
+TEST(Fft, TheUpperHalfOfAStagesTwiddlesIsTheLowerOneTurned) {
+    const auto expect_turned = [](const float* re, const float* im, int first, int half) {
+        for (int i = first; i < first + half; ++i) {
+            ASSERT_EQ(std::bit_cast<uint32_t>(re[i + half]), std::bit_cast<uint32_t>(im[i])) << i;
+            ASSERT_EQ(std::bit_cast<uint32_t>(im[i + half]), std::bit_cast<uint32_t>(-re[i])) << i;
+        }
+    };
+    for (int span = 2; span < kFrameSamples; span *= 2) {
+        expect_turned(kStageCos, kStageSin, span, span / 2);
+        if (span >= 16) {
+            expect_turned(kStageCosInPairs, kStageSinInPairs, span, span / 2);
+        }
+    }
 }
 
 // Every transform of one input of 2048 floats, one behind the other.

@@ -1,5 +1,5 @@
-// The measuring functions on signals of known properties. What the committed widening filters and room responses achieve
-// by them is in the reports of the tables command and its test.
+// The functions that measure room responses, on responses of known properties. What the committed tables are to achieve
+// is held by the report of zoq tables, which measures with them.
 #include <gtest/gtest.h>
 
 #include <cmath>

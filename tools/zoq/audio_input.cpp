@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
+#include <regex>
 
 #include "tools/zoq/failure.h"
 
@@ -43,6 +44,22 @@ std::vector<int> channel_map(SNDFILE* decoder, int channels) {
     return map;
 }
 
+// What the header announces. Where the file holds less libsndfile counts that, and only its log tells of it. A header
+// written before the length was known, as of a recording into a pipe, announces nothing.
+int64_t announced_frames(SNDFILE* decoder, int64_t frames) {
+    constexpr double kUnknown = 0x7FFFF000;  // bytes
+    char log[16384] = "";
+    sf_command(decoder, SFC_GET_LOG_INFO, log, sizeof log);
+    std::cmatch found;
+    if (!std::regex_search(log, found, std::regex("\n *(?:data|SSND) : (\\d+) \\(should be (\\d+)\\)"))) {
+        return frames;
+    }
+    const double announced = std::stod(found[1]), present = std::stod(found[2]);
+    return announced > present && present > 0.0 && announced < kUnknown
+               ? static_cast<int64_t>(static_cast<double>(frames) * (announced / present))
+               : frames;
+}
+
 }  // namespace
 
 AudioInput::AudioInput(const std::string& path)
@@ -79,6 +96,7 @@ void AudioInput::start_decoder() {
     if (decoder_ == nullptr) {
         throw Failure("cannot read " + name_ + " as audio: " + without_full_stop(sf_strerror(nullptr)));
     }
+    frames_ = announced_frames(decoder_.get(), info_.frames);
     format_ = describe(info_.format);
     const bool oggOrder = (info_.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_OGG;
     try {

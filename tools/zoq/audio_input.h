@@ -23,7 +23,7 @@ class AudioInput {
     const std::string& format() const { return format_; }  // "OGG, Vorbis"
     int rate() const { return info_.samplerate; }          // Hz
     int channels() const { return info_.channels; }
-    int64_t frames() const { return info_.frames; }  // as the header has it
+    int64_t frames() const { return frames_; }  // as the header has it, even if the file ends before
     const Downmix& downmix() const { return downmix_; }
 
     // True when both name the same file, through links too.
@@ -47,6 +47,7 @@ class AudioInput {
     dev_t device_ = 0;
     ino_t inode_ = 0;
     SF_INFO info_ = {};
+    int64_t frames_ = 0;
     Descriptor file_;
     std::unique_ptr<SNDFILE, Closer> decoder_;
     Downmix downmix_;

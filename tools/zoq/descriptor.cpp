@@ -16,11 +16,11 @@ namespace {
 
 constexpr size_t kChunkBytes = size_t{1} << 16;
 
-// Bytes read, 0 at the end.
+// Bytes read, 0 at the end. A key that interrupts a pipeline ends what writes into it, too: that is no end.
 size_t read_some(int fd, std::vector<char>& chunk, const std::string& name) {
     for (;;) {
-        throw_if_interrupted();
         const ssize_t got = read(fd, chunk.data(), chunk.size());
+        throw_if_interrupted();
         if (got >= 0) {
             return static_cast<size_t>(got);
         }

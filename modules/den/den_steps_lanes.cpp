@@ -1,9 +1,9 @@
-// The fast forms of dialogue enhancement. Bins stand side by side; a sum over the bins of a band keeps their order, so
-// there four sums of one band do.
+// The fast forms of the steps in den_steps.cpp. Bins stand side by side; a sum over the bins of a band keeps their
+// order, so there four sums of one band do.
 #include "dsp/complex_lanes.h"
 #include "dsp/fft_tables.h"
 #include "dsp/quads.h"
-#include "modules/den/den_kernels.h"
+#include "modules/den/den_steps.h"
 
 namespace android::ZOQ_LEVEL {
 
@@ -167,6 +167,9 @@ void den_widen(const DenCubic& curve, DenSpectra& s) {
 
 void den_extract_centre(const DenBands& bands, float smoothFactor, bool subtract, DenPowers& powers,
                         DenSpectra& s) {
+    if (!bands.adjoin) {
+        return scalar::den_extract_centre(bands, smoothFactor, subtract, powers, s);
+    }
     const int begin = bands.band[0].first, end = bands.band[kDenCentreBands - 1].end;
     BinPairs sideAndMid;
     for (int k = begin; k < end; k += kPairs) {
@@ -201,6 +204,9 @@ void den_extract_centre(const DenBands& bands, float smoothFactor, bool subtract
 
 void den_measure_bands(const DenBands& bands, const DenSpectra& s, DenEnergies& energies,
                        DenMagnitudes& newest, float* share) {
+    if (!bands.adjoin) {
+        return scalar::den_measure_bands(bands, s, energies, newest, share);
+    }
     BinPairs bins;  // magnitudes and powers, each of the centre and the side
     for (int k = bands.band[0].first; k < bands.band[kDenSpeechBands - 1].end; k += kLanes) {
         const Lanes side1 = load(s.left + k) - load(s.right + k);
@@ -229,6 +235,9 @@ void den_measure_bands(const DenBands& bands, const DenSpectra& s, DenEnergies& 
 }
 
 void den_scale_bands(const DenBands& bands, const float* gain, DenSpectra& s) {
+    if (!bands.adjoin) {
+        return scalar::den_scale_bands(bands, gain, s);
+    }
     BinGains bins;
     spread(bands, kDenSpeechBands, gain, 1.0f, bins);
     for (int k = bands.band[0].first; k < bands.band[kDenSpeechBands - 1].end; k += kPairs) {
