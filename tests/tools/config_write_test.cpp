@@ -58,7 +58,7 @@ EqFit fit(const EqTarget& target, double limitDb = 12.0) {
 TEST(EqFit, RecoversTheGainsBehindTheEnginesOwnSound) {
     constexpr double kOffset = -7.3;
     for (const BandGains& gains :
-         {BandGains{}, BandGains{0, 0, 6, 0, 0, 0, 0, 0, 0}, BandGains{3, -2, 1.5, 0, -4, 2.25, 6, -8, 5},
+         {BandGains{0, 0, 6, 0, 0, 0, 0, 0, 0}, BandGains{3, -2, 1.5, 0, -4, 2.25, 6, -8, 5},
           BandGains{-11, 9, -7, 10, -10, 8, -6, 11, -9}, BandGains{6, 6, 6, 6, 6, 6, 6, 6, 6}}) {
         const EngineResponse response(gains);
         std::string text = "GraphicEQ:";
@@ -74,6 +74,8 @@ TEST(EqFit, RecoversTheGainsBehindTheEnginesOwnSound) {
         EXPECT_NEAR(found.levelDb, kOffset, 0.05);
         EXPECT_LT(found.rmsDb, 0.02);
     }
+    // What is flat leaves every band alone, whatever its level.
+    EXPECT_EQ(fit(read_eq_text("GraphicEQ: 100 -5.5", "eq")).gainDb, BandGains{});
 }
 
 // Mean square difference over the logarithm of frequency, with the best level, by the engine's sound.

@@ -297,7 +297,7 @@ TEST_F(MeasureTest, SaysWhatIsWrong) {
                                      {"--config missing.txt", 1, "'missing.txt': No such file"},
                                      {"--what latency --csv folder.csv", 1, "'folder.csv': Is a directory"},
                                      {"--what latency --plot nowhere/a.png", 1, "No such file"},
-                                     {"--what latency >/dev/full", 1, "cannot write"}});
+                                     {"-q --what latency >/dev/full", 1, "cannot write"}});
 }
 
 }  // namespace

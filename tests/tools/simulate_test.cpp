@@ -187,6 +187,7 @@ TEST_F(SimulateTest, DrawsAndSaysWhatIsWrong) {
                      {"--schedule time.txt", 2, "'time.txt', line 2"},
                      {"--schedule key.txt", 2, "line 1: unknown setting 'blok', did you mean 'block'"},
                      {"--schedule absent.txt", 1, "absent.txt"},
+                     {"--set bogus=1", 2, "unknown setting 'bogus' ("},
                      {"--scan", 2, "--scan"},
                      {"--plot day.txt", 2, "day.txt"}});
     expect_refusals("zoq simulate --scan ", {{"--block 3", 2, "--block"},
