@@ -43,6 +43,8 @@ TEST(Measuring, FindsDelayLevelAndColourOfKnownResponses) {
     const ResponseQuality quality = measure_response(rooms, 1);
     EXPECT_EQ(quality.arrival[0], 10);
     EXPECT_EQ(quality.arrival[1], 30);
+    EXPECT_NEAR(quality.bin0[0], 0.632, 1e-6);
+    EXPECT_NEAR(quality.share[1][0], 1.0, 1e-6);
     EXPECT_NEAR(quality.energyRatio, 0.25, 1e-6);
     EXPECT_NEAR(quality.ears.delaySamples, 20.0, 0.1);
     for (const double db : quality.ears.levelDb) {

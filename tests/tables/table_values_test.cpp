@@ -1,14 +1,12 @@
-// The tables that follow formulas: transforms, pan curves, sections; and the comparison that guards them all. What
-// the report of zoq tables holds as well is left to it.
+// The tables that follow formulas: transforms and pan curves; and the comparison that guards them all. The sections are
+// in the test of the module that runs them.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <complex>
 #include <numbers>
 
 #include "dsp/fft_tables.h"
 #include "modules/den/den_tables.h"
-#include "modules/vb/vb_tables.h"
 #include "tables/generated_file.h"
 
 using namespace android;
@@ -70,72 +68,6 @@ TEST(PanCurves, LeaveResidualsOrthogonalToCubics) {
         for (const double moment : moments) {
             EXPECT_NEAR(moment, 0.0, 3e-7) << K;  // coefficients up to 8.5, rounded to float
         }
-    }
-}
-
-// Poles inside the unit circle, and the response that the name promises, from the transfer function itself.
-TEST(BassSections, AreButterworthFiltersAtTheirCutoffs) {
-    const auto gain = [](const float* sos, int sections, double hz) {
-        const std::complex<double> z = std::polar(1.0, -2.0 * std::numbers::pi * hz / kSampleRateHz);
-        std::complex<double> h = 1.0;
-        for (int s = 0; s < sections; ++s) {
-            const auto c = [&](int j) { return double(sos[3 * j + s]); };
-            h *= (c(0) + z * (c(1) + z * c(2))) / (c(3) + z * (c(4) + z * c(5)));
-        }
-        return std::abs(h);
-    };
-    const double half = std::sqrt(0.5);
-    for (const VbSections& set : kVbSections) {
-        // Four input high-passes have zeros a little off z = 1, and floats near 1 cost the low corners digits.
-        EXPECT_NEAR(gain(set.lowpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.outputHighpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.inputHighpassSos, 2, set.cutoffHz), half, 0.01) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.outputHighpassSos, 2, 8000), 1.0, 1e-3) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.inputHighpassSos, 2, 8000), 1.0, 1e-3) << set.cutoffHz;
-        EXPECT_NEAR(gain(set.bandHighpassSos, 1,
-                         set.cutoffHz <= 80    ? 30
-                         : set.cutoffHz <= 120 ? 50
-                         : set.cutoffHz == 150 ? 70
-                                               : 80),
-                    half, 0.01)
-            << set.cutoffHz;
-    }
-    EXPECT_NEAR(gain(kVbHarmonicLowpassSos, 1, 420), half, 1e-3);
-    EXPECT_NEAR(gain(kVbHarmonicLowpassSos, 1, 0), 1.0, 1e-3);
-}
-
-// The set in every factory record, coefficient by coefficient.
-TEST(BassSections, HaveTheGivenSetFor80Hz) {
-    const VbSections& set = kVbSections[2];
-    ASSERT_EQ(set.cutoffHz, 80);
-    const float lowpass[] = {7.41426642e-10f,
-                             1.0f,
-                             0.0f,
-                             1.48285328e-09f,
-                             1.99999988f,
-                             0.0f,
-                             7.41426642e-10f,
-                             1.0f,
-                             0.0f,
-                             1.0f,
-                             1.0f,
-                             0.0f,
-                             -1.98072743f,
-                             -1.99190795f,
-                             0.0f,
-                             0.980836093f,
-                             0.99201721f,
-                             0.0f};
-    const float input[] = {0.986410797f, 1.0f,         0.0f, -1.97282171f, -1.99999988f, 0.0f,
-                           0.986410797f, 1.0f,         0.0f, 1.0f,         1.0f,         0.0f,
-                           -1.98072743f, -1.99190795f, 0.0f, 0.980836093f, 0.99201721f,  0.0f};
-    const float output[] = {0.986410797f, 1.0f,         0.0f, -1.97282159f, -2.0f,       0.0f,
-                            0.986410797f, 1.0f,         0.0f, 1.0f,         1.0f,        0.0f,
-                            -1.98072743f, -1.99190795f, 0.0f, 0.980836093f, 0.99201721f, 0.0f};
-    for (int i = 0; i < kSectionMatrixFloats; ++i) {
-        EXPECT_EQ(set.lowpassSos[i], lowpass[i]) << i;
-        EXPECT_EQ(set.inputHighpassSos[i], input[i]) << i;
-        EXPECT_EQ(set.outputHighpassSos[i], output[i]) << i;
     }
 }
 

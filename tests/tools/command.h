@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <numbers>
 #include <random>
 #include <sstream>
@@ -72,6 +73,15 @@ inline double level_db(const Sound& sound, int channel, double hz, double second
     return 20.0 * std::log10(2.0 * std::hypot(re, im) / static_cast<double>(count));
 }
 
+// Where a channel is loudest, between two sample frames.
+inline int loudest(const Sound& sound, int channel, size_t first, size_t end) {
+    size_t best = first;
+    for (size_t i = first; i < end; ++i) {
+        best = std::abs(sound.at(i, channel)) > std::abs(sound.at(best, channel)) ? i : best;
+    }
+    return static_cast<int>(best);
+}
+
 inline void write(const std::string& path, const Sound& sound,
                   int format = SF_FORMAT_WAV | SF_FORMAT_PCM_16) {
     SF_INFO info = {};
@@ -128,6 +138,30 @@ inline Outcome shell(const std::string& line) {
 
 inline Outcome render(const std::string& arguments) {
     return shell("zoq render " + arguments);
+}
+
+// What a command line prints, as JSON.
+inline nlohmann::json json_of(const std::string& line) {
+    const Outcome outcome = shell(line);
+    EXPECT_EQ(outcome.code, 0) << line << outcome.err;
+    return nlohmann::json::parse(outcome.out, nullptr, false);
+}
+
+struct Refusal {
+    std::string arguments;
+    int code;
+    std::string message;
+};
+
+// Every command line ends with its exit code and one line that says why.
+inline void expect_refusals(const std::string& command, const std::vector<Refusal>& refusals) {
+    for (const auto& [arguments, code, message] : refusals) {
+        const Outcome outcome = shell(command + arguments);
+        EXPECT_EQ(outcome.code, code) << arguments << outcome.err;
+        EXPECT_EQ(outcome.err.substr(0, 5), "zoq: ") << arguments;
+        EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+        EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err << "instead of: " << message;
+    }
 }
 
 // Each test runs in a folder of its own.

@@ -1,6 +1,5 @@
 // zoq measure: settings whose effect can be calculated, and what it says when something is wrong.
 #include <complex>
-#include <nlohmann/json.hpp>
 
 #include "tests/tools/command.h"
 
@@ -19,10 +18,7 @@ Outcome measure(const std::string& arguments) {
 }
 
 Json measured(const std::string& arguments) {
-    const Outcome outcome = measure("--json " + arguments);
-    EXPECT_EQ(outcome.code, 0) << arguments << outcome.err;
-    EXPECT_EQ(outcome.err, "") << arguments;
-    return Json::parse(outcome.out);
+    return json_of("zoq measure --json " + arguments);
 }
 
 // The points of a curve.
@@ -261,7 +257,8 @@ TEST_F(MeasureTest, SettingsComeFromTextsAndOptionsAlike) {
 
 TEST_F(MeasureTest, TablesAndPicturesHoldWhatTheReportSays) {
     const Outcome text = measure(kPlain + std::string("--csv all.csv --plot all.png"));
-    EXPECT_EQ(text.code, 0) << text.err;
+    EXPECT_EQ(text.code, 0);
+    EXPECT_EQ(text.err, "");
     for (const char* word : {"speaker, mid, -20 dBFS, DS_stereoWidth=0", "Response", "Impulse", "Latency",
                              "THD+N", "Static", "attack", "Crosstalk", "switching on"}) {
         EXPECT_NE(text.out.find(word), std::string::npos) << word;
@@ -287,35 +284,20 @@ TEST_F(MeasureTest, TablesAndPicturesHoldWhatTheReportSays) {
 
 TEST_F(MeasureTest, SaysWhatIsWrong) {
     std::filesystem::create_directory("folder.csv");
-    const struct {
-        const char* arguments;
-        int code;
-        const char* message;
-    } cases[] = {{"--what loudness", 2, "no measurement is called 'loudness'"},
-                 {"--what ''", 2, "--what"},
-                 {"--excite top", 2, "top"},
-                 {"--level 3", 2, "--level"},
-                 {"--tone 5", 2, "--tone"},
-                 {"--json --csv -", 2, "both want standard output"},
-                 {"--plot a.jpg", 2, "'a.jpg': the name must end in .svg or .png"},
-                 {"--set DS_stereoWidth=wide", 2, "value of 'DS_stereoWidth' must be a number"},
-                 {"-q --what latency --set 'DS_stereowidth=0'", 2,
-                  "unknown setting 'DS_stereowidth', did you mean 'DS_stereoWidth'?"},
-                 {"-q --what latency --set EQ_9khz=3", 2, "unknown setting 'EQ_9khz', did you mean "},
-                 {"--step -6 -30", 2, "--step needs two levels"},
-                 {"--set DS_stereoWidth", 2, "value of 'DS_stereoWidth' must be a number"},
-                 {"in.wav", 2, "in.wav"},
-                 {"--config missing.txt", 1, "'missing.txt': No such file"},
-                 {"--what latency --csv folder.csv", 1, "'folder.csv': Is a directory"},
-                 {"--what latency --plot nowhere/a.png", 1, "'nowhere/a.png': No such file"},
-                 {"--what latency >/dev/full", 1, "cannot write"}};
-    for (const auto& [arguments, code, message] : cases) {
-        const Outcome outcome = measure(arguments);
-        EXPECT_EQ(outcome.code, code) << arguments;
-        EXPECT_EQ(outcome.err.substr(0, 5), "zoq: ");
-        EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
-        EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err << "instead of: " << message;
-    }
+    expect_refusals("zoq measure ", {{"--what loudness", 2, "no measurement is called 'loudness'"},
+                                     {"--what ''", 2, "--what"},
+                                     {"--excite top", 2, "top"},
+                                     {"--level 3", 2, "--level"},
+                                     {"--tone 5", 2, "--tone"},
+                                     {"--step -6 -30", 2, "--step needs two levels"},
+                                     {"--json --csv -", 2, "both want standard output"},
+                                     {"--plot a.jpg", 2, "'a.jpg': the name must end in .svg or .png"},
+                                     {"--set EQ_9khz=3", 2, "unknown setting 'EQ_9khz', did you mean "},
+                                     {"in.wav", 2, "in.wav"},
+                                     {"--config missing.txt", 1, "'missing.txt': No such file"},
+                                     {"--what latency --csv folder.csv", 1, "'folder.csv': Is a directory"},
+                                     {"--what latency --plot nowhere/a.png", 1, "No such file"},
+                                     {"-q --what latency >/dev/full", 1, "cannot write"}});
 }
 
 }  // namespace

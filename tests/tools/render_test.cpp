@@ -7,33 +7,6 @@ namespace {
 
 using RenderTest = InEmptyFolder;
 
-constexpr char kSong[] = "/usr/share/games/bumprace/sound/Flying_me_softly.ogg";
-
-// Where the loudest sample of a channel is.
-int loudest(const Sound& sound, int channel) {
-    size_t best = 0;
-    for (size_t i = 0; i < sound.frames(); ++i) {
-        best = std::abs(sound.at(i, channel)) > std::abs(sound.at(best, channel)) ? i : best;
-    }
-    return static_cast<int>(best);
-}
-
-// What stands behind a key of a JSON report: behind the first one that follows the key of its object.
-std::string value_of(const std::string& report, const std::string& object, const std::string& key) {
-    const std::string quotedKey = "\"" + key + "\": ";
-    const size_t at = report.find(quotedKey, report.find("\"" + object + "\": {"));
-    if (at == std::string::npos) {
-        ADD_FAILURE() << "no " << object << "." << key << " in " << report;
-        return "";
-    }
-    const size_t value = at + quotedKey.size();
-    return report.substr(value, report.find_first_of(",\n", value) - value);
-}
-
-double number_of(const std::string& report, const std::string& object, const std::string& key) {
-    return std::atof(value_of(report, object, key).c_str());
-}
-
 TEST_F(RenderTest, BypassGivesBackTheInputWhateverTheBlockSize) {
     const Sound input = noise(30011);
     for (const char* block : {"", "--block 1", "--block 300", "--block 441", "--block 480", "--block 509",
@@ -69,44 +42,11 @@ TEST_F(RenderTest, ImpulseComesOutWhereItWentIn) {
             const Sound output = rendered(input, expected.options);
             ASSERT_EQ(output.frames(), input.frames());
             for (const int side : {0, 1}) {
-                const int shift = loudest(output, side) - position;
+                const int shift = loudest(output, side, 0, 20000) - position;
                 EXPECT_GE(shift, expected.earliest) << expected.options << " at " << position;
                 EXPECT_LE(shift, expected.latest) << expected.options << " at " << position;
             }
         }
-    }
-}
-
-// Virtual bass turns the phase of what it replaces, so it stays out of this comparison.
-TEST_F(RenderTest, SongStaysInPlaceOnBothRoutes) {
-    if (!std::filesystem::exists(kSong)) {
-        GTEST_SKIP() << "no " << kSong;
-    }
-    Sound part = read(kSong);
-    part.values.resize(2 * 20 * 44100);
-    write("part.wav", part);
-    const auto produce = [](const std::string& options) {
-        const Outcome outcome = render("part.wav song.wav " + options);
-        EXPECT_EQ(outcome.code, 0) << outcome.err;
-        EXPECT_NE(outcome.err.find("44100 Hz resampled to 48000 Hz"), std::string::npos);
-        return read("song.wav");
-    };
-    const Sound before = produce("--bypass");
-    for (const char* route : {"--set VB_boostlin=0", "--route headphone"}) {
-        const Sound after = produce(route);
-        ASSERT_EQ(after.frames(), before.frames());
-        int bestLag = 0;
-        double best = 0.0;
-        for (int lag = -40; lag <= 40; ++lag) {
-            double sum = 0.0;
-            for (size_t i = 720000; i < 912000; ++i) {
-                sum += static_cast<double>(before.at(i, 0)) * after.at(i + static_cast<size_t>(lag), 0);
-            }
-            bestLag = sum > best ? lag : bestLag;
-            best = std::max(best, sum);
-        }
-        EXPECT_GE(bestLag, 0) << route;
-        EXPECT_LE(bestLag, 9) << route;
     }
 }
 
@@ -141,7 +81,9 @@ TEST_F(RenderTest, AsPlayedKeepsSettlingAndDelay) {
 
 TEST_F(RenderTest, OtherRatesKeepTimeAndPitch) {
     for (const int rate : {8000, 22050, 44100, 96000}) {
-        const Sound output = rendered(tone(static_cast<size_t>(rate), 997.0, 0.5, 2, rate), "--bypass");
+        write("in.wav", tone(static_cast<size_t>(rate), 997.0, 0.5, 2, rate));
+        EXPECT_NE(render("in.wav out.wav --bypass").err.find(" Hz resampled to 48000 Hz"), std::string::npos);
+        const Sound output = read("out.wav");
         EXPECT_NEAR(static_cast<double>(output.frames()), 48000.0, 1.0) << rate;
         EXPECT_EQ(output.rate, 48000);
         double worst = 0.0;
@@ -213,38 +155,27 @@ TEST_F(RenderTest, StandardStreamsCarryTheSameBytes) {
     EXPECT_NE(piped.err.find("real time"), std::string::npos);
 }
 
-TEST_F(RenderTest, SettingsVolumeAndRouteReachTheEngine) {
-    const Sound quiet = tone(480000, 1000.0, 0.05);
-    const auto level = [&](const std::string& options) {
-        return level_db(rendered(quiet, options), 0, 1000.0);
-    };
-    // Full gain is 18 dB up to the volume index 15 and 21 dB above it; a fifth of it leaves this tone uncompressed.
-    const std::string fifth = "--set CompressionGain=20 ";
-    EXPECT_NEAR(level(fifth + "--volume 15") - level(""), 0.2 * 18.0, 0.02);
-    EXPECT_NEAR(level(fifth + "--volume 16") - level(""), 0.2 * 21.0, 0.02);
-    EXPECT_NEAR(level("--set EQ_1khzgain=6") - level(""), 6.0, 0.3);
-    EXPECT_NEAR(level("--route headphone --set EQ_1khzgain=6") - level("--route headphone"), 0.0, 0.01);
-}
-
 TEST_F(RenderTest, ReportMeasuresWhatItSays) {
+    const auto report = [](const std::string& arguments) {
+        return json_of("zoq render --json " + arguments);
+    };
     // By definition a stereo sine of 997 Hz at -20 dB of full scale has -20 LUFS.
     write("in.wav", tone(480000, 997.0, 0.1));
-    const std::string report = render("in.wav out.wav --bypass --json --block 441").out;
+    const auto bypassed = report("in.wav out.wav --bypass --block 441");
     for (const char* side : {"before", "after"}) {
-        EXPECT_NEAR(number_of(report, side, "integratedLufs"), -20.0, 0.1);
-        EXPECT_NEAR(number_of(report, side, "truePeakDbtp"), -20.0, 0.1);
-        EXPECT_EQ(value_of(report, side, "fullScaleSamples"), "0");
+        EXPECT_NEAR(bypassed[side]["integratedLufs"], -20.0, 0.1);
+        EXPECT_NEAR(bypassed[side]["truePeakDbtp"], -20.0, 0.1);
+        EXPECT_EQ(bypassed[side]["fullScaleSamples"], 0);
     }
-    EXPECT_EQ(value_of(report, "output", "durationSeconds"), "10.0");
-    EXPECT_EQ(value_of(report, "output", "route"), "\"speaker\"");
-    EXPECT_GT(number_of(report, "output", "timesRealTime"), 1.0);
+    EXPECT_EQ(bypassed["durationSeconds"], 10.0);
+    EXPECT_EQ(bypassed["route"], "speaker");
+    EXPECT_GT(bypassed["timesRealTime"], 1.0);
     // After the short queue the delay is a hop and what was left over then: 8 x 882 mod 1024 values.
-    EXPECT_EQ(number_of(report, "delaySamples", "total"), 512 + 8 * 882 % 1024 / 2);
-
-    const std::string processed = render("in.wav out.wav --json").out;
-    EXPECT_EQ(value_of(processed, "delaySamples", "queue"), "0");
-    EXPECT_EQ(value_of(processed, "delaySamples", "chain"), "512");
-    EXPECT_EQ(value_of(processed, "delaySamples", "widening"), "180");
+    EXPECT_EQ(bypassed["delaySamples"]["total"], 512 + 8 * 882 % 1024 / 2);
+    const auto delay = report("in.wav out.wav")["delaySamples"];
+    EXPECT_EQ(delay["queue"], 0);
+    EXPECT_EQ(delay["chain"], 512);
+    EXPECT_EQ(delay["widening"], 180);
 
     Sound loud = silence(48000);
     loud.values[1000] = 32767;
@@ -253,7 +184,7 @@ TEST_F(RenderTest, ReportMeasuresWhatItSays) {
     const std::string text = render("loud.wav out.wav --bypass --report").out;
     EXPECT_NE(text.find("full scale out  2 samples"), std::string::npos) << text;
     write("silent.wav", silence(48000));
-    EXPECT_EQ(value_of(render("silent.wav out.wav --json").out, "after", "integratedLufs"), "null");
+    EXPECT_TRUE(report("silent.wav out.wav")["after"]["integratedLufs"].is_null());
 }
 
 TEST_F(RenderTest, CurvesShowOutlineAndSpectrum) {

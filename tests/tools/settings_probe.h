@@ -37,37 +37,15 @@ class TextMaker {
     }
 
     std::string any_value() {
-        static constexpr const char* kOdd[] = {"",
-                                               "abc",
-                                               "10dB",
-                                               "2,5",
-                                               "-3",
-                                               "1e3",
-                                               "1e39",
-                                               "0x10",
-                                               "nan",
-                                               "-inf",
-                                               ":",
-                                               ":3",
-                                               "70%",
-                                               "+.5",
-                                               "-0",
-                                               "100.5",
-                                               "-0.01",
-                                               "1e-320",
-                                               "9e999",
-                                               "10.9",
-                                               "--1",
-                                               "3.",
-                                               "\"7\"",
-                                               "#",
-                                               "99999999999",
-                                               "12345678901234567890",
-                                               "\v8",
-                                               "nan(1)",
-                                               "true",
-                                               "STEREOWIDEN_Enable=true",
-                                               "STEREOWIDEN_Enable=false"};
+        static constexpr const char* kOdd[] = {"",     "abc",   "10dB",  "2,5",    "-3",     "1e3",  "1e39",
+                                               "0x10", "nan",   "-inf",  ":",      ":3",     "70%",  "+.5",
+                                               "-0",   "100.5", "-0.01", "1e-320", "9e999",  "10.9", "--1",
+                                               "3.",   "\"7\"", "#",     "\v8",    "nan(1)", "true"};
+        static constexpr const char* kLong[] = {"STEREOWIDEN_Enable=true", "STEREOWIDEN_Enable=false",
+                                                "99999999999", "12345678901234567890"};
+        if (below(15) == 0) {
+            return one_of(kLong);
+        }
         return below(2) == 0 ? one_of(kOdd) : number(static_cast<double>(below(40000)) / 100.0 - 150.0);
     }
 

@@ -4,7 +4,6 @@
 #include <complex>
 #include <functional>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <numbers>
 #include <set>
 
@@ -49,7 +48,13 @@ std::set<std::string> failing(const std::vector<TableReport>& reports) {
     return names;
 }
 
-class TablesTest : public InEmptyFolder {};
+void turn_over_cross_feed(Records& records) {
+    for (auto& bin : records.tws.crossFeedFilter) {
+        bin = {-bin.re, -bin.im};
+    }
+}
+
+using TablesTest = InEmptyFolder;
 
 }  // namespace
 
@@ -63,9 +68,7 @@ TEST_F(TablesTest, EveryPropertyOfTheLibraryPasses) {
         EXPECT_NE(text.out.find(part), std::string::npos) << part;
     }
 
-    const Outcome json = tables("--json");
-    EXPECT_EQ(json.code, 0);
-    const Json report = Json::parse(json.out);
+    const Json report = json_of("zoq tables --json");
     EXPECT_EQ(report.at("failed"), 0);
     int properties = 0;
     for (const Json& table : report.at("tables")) {
@@ -135,12 +138,7 @@ TEST_F(TablesTest, APoisonedTableFailsItsRow) {
          [](Records& r) { r.tws.sameSideFilter[100].im += 1e-4f; }},
         {"widening filters: imaginary part at bins 0 and 512",
          [](Records& r) { r.tws.crossFeedFilter[0].im = 1e-3f; }},
-        {"widening filters: centre's gain by thirds of an octave",
-         [](Records& r) {
-             for (auto& bin : r.tws.crossFeedFilter) {
-                 bin = {-bin.re, -bin.im};
-             }
-         }},
+        {"widening filters: centre's gain by thirds of an octave", turn_over_cross_feed},
         {"widening filters: far over near ear, loudspeakers at +-10 degrees",
          [](Records& r) {
              std::fill(std::begin(r.tws.crossFeedFilter), std::end(r.tws.crossFeedFilter),
@@ -183,12 +181,7 @@ TEST_F(TablesTest, APoisonedTableFailsItsRow) {
          [](Records& r) { r.tws.crossFeedFilter[100].re = std::numeric_limits<float>::quiet_NaN(); }},
         {"widening filters: centre's gain, any bin",
          [](Records& r) { r.tws.crossFeedFilter[100].re = std::numeric_limits<float>::quiet_NaN(); }},
-        {"widening filters: cross-feed, amplitude at its peak",
-         [](Records& r) {
-             for (auto& bin : r.tws.crossFeedFilter) {
-                 bin = {-bin.re, -bin.im};
-             }
-         }},
+        {"widening filters: cross-feed, amplitude at its peak", turn_over_cross_feed},
         {"room response 1, 0 degrees: interaural delay",
          [](Records& r) {  // the opposite ear four samples early
              for (int k = 0; k < android::kBins; ++k) {
@@ -234,10 +227,6 @@ TEST_F(TablesTest, WithoutAHeadTheRestIsMeasured) {
     const std::string text = zoq::tables_text(reports);
     EXPECT_NE(text.find("not compared with a measured head: there is none\n"), std::string::npos);
     EXPECT_EQ(text.find("FAIL"), std::string::npos);
-
-    const Outcome missing = tables("--head missing.sofa");
-    EXPECT_EQ(missing.code, 1);
-    EXPECT_EQ(missing.err, "zoq: cannot read missing.sofa; name an existing SOFA file that you may read\n");
 }
 
 TEST_F(TablesTest, DrawsPictures) {
@@ -266,24 +255,15 @@ TEST_F(TablesTest, DrawsPictures) {
 TEST_F(TablesTest, SaysWhyAPictureOrReportIsNotThere) {
     std::ofstream("file") << "kept";
     std::ofstream("old.svg") << "kept";
-    const struct {
-        std::string line;
-        int code;
-        const char* message;
-    } cases[] = {
-        {"zoq tables --plot picture.pdf", 2, "must be a folder or end in .svg or .png"},
-        {"zoq tables --plot -", 2, "needs a folder or a file"},
-        {"zoq tables --plot nowhere/all.svg", 1, "'nowhere/all.svg': No such file"},
-        {"zoq tables --plot file", 1, "cannot make the folder 'file'"},
-        {"PATH=/nowhere zoq tables --plot old.svg", 1, "gnuplot is not installed"},
-        {"zoq tables --nonsense", 2, "--nonsense"},
-        {"zoq tables >/dev/full", 1, "cannot write the report"},
-    };
-    for (const auto& [line, code, message] : cases) {
-        const Outcome outcome = shell(line);
-        EXPECT_EQ(outcome.code, code) << line;
-        EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err << "instead of: " << message;
-    }
+    expect_refusals("", {{"zoq tables --plot picture.pdf", 2, "must be a folder or end in .svg or .png"},
+                         {"zoq tables --plot -", 2, "needs a folder or a file"},
+                         {"zoq tables --plot nowhere/all.svg", 1, "'nowhere/all.svg': No such file"},
+                         {"zoq tables --plot file", 1, "cannot make the folder 'file'"},
+                         {"PATH=/nowhere zoq tables --plot old.svg", 1, "gnuplot is not installed"},
+                         {"zoq tables --nonsense", 2, "--nonsense"},
+                         {"zoq tables --head missing.sofa", 1,
+                          "cannot read missing.sofa; name an existing SOFA file that you may read"},
+                         {"zoq tables >/dev/full", 1, "cannot write the report"}});
     EXPECT_EQ(contents("file"), "kept");
     EXPECT_EQ(contents("old.svg"), "kept");
 }
