@@ -13,14 +13,14 @@ struct Range {
     bool holds(float value) const { return value >= lo && value <= hi; }
 };
 
-// What -200 % and 200 % become in the records.
-constexpr Range kSpeechGain{-3.0f, 5.0f};
-constexpr Range kWidth{-2.0f, 2.0f};
-constexpr Range kBassBoost{-10.0f, 10.0f};
-constexpr Range kTrebleGain{-4.0f, 4.0f};
-constexpr Range kMakeup{1.0f / 126.0f, 126.0f};  // 42 dB either way
+// What -100 % and 100 % become in the records. Settings below 0 % do no more harm than those above.
+constexpr Range kSpeechGain{-1.0f, 3.0f};
+constexpr Range kWidth{-1.0f, 1.0f};
+constexpr Range kBassBoost{-5.0f, 5.0f};
+constexpr Range kTrebleGain{-2.0f, 2.0f};
+constexpr Range kMakeup{1.0f / 11.25f, 11.25f};  // 21 dB, the most that 100 % are
 
-constexpr Range kBandGainDb{-200.0f, 48.0f};  // twice +-24 dB; a deeper cut does no harm
+constexpr Range kBandGainDb{-200.0f, 24.0f};  // a deeper cut does no harm
 constexpr Range kBandWarp{1e-4f, 1e4f};       // 1.5 Hz .. 1.5 Hz below half the sample rate
 constexpr Range kBandQ{1e-3f, 1e3f};
 

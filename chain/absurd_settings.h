@@ -1,4 +1,4 @@
-// Settings far outside their ranges. Settings are stored and used unchecked; this only tells which hops were
+// Settings outside their ranges. Settings are stored and used unchecked; this only tells which hops were
 // processed under such ones.
 #pragma once
 
@@ -21,7 +21,7 @@ struct HopSettings {
 HopSettings hop_settings(const parameterDEN& den, const parameterTWS& tws, const parameterEQ& eq,
                          const parameterVB& vb, const parameterX2B& x2b);
 
-// Whether a setting that the route uses lies beyond twice its range or is not a number.
+// Whether a setting that the route uses lies beyond its range or is not a number.
 bool headphone_settings_absurd(const HopSettings& hop, const parameterDRC& drc, const parameterGEQ& geq);
 bool speaker_settings_absurd(const HopSettings& hop, const parameterDRC& drc, const parameterGEQ& geq);
 

@@ -96,18 +96,23 @@ class Recovery : public ::testing::TestWithParam<int> {
 
 TEST_P(Recovery, FollowsEveryHostileSettingWithinASecond) {
 #ifdef ZOQ_SANITIZED
-    const char* const values[] = {"nan", "-1e38"};  // each a way of its own through the arithmetic
+    const std::vector<std::string> any = {"nan", "-1e38"};  // each a way of its own through the arithmetic
 #else
-    const char* const values[] = {"nan", "inf", "-inf", "1e38", "-1e38", "1e9", "-1e4", "1000", "300"};
+    const std::vector<std::string> any = {"nan", "inf", "-inf", "1e38", "-1e38", "1e9", "-1e4", "1000"};
 #endif
     int kinds = 0, lasting = 0;
     for (const SettingRow& row : setting_rows()) {
         if (!uses(*row.stored, row.stringKey[0] == 'H')) {
             continue;
         }
-        for (const char* value : values) {
+        // Just beyond the ranges; the loudspeaker's compression ends at 117 % while the volume is low.
+        const bool band = row.stringKey.find("hzgain") != std::string::npos;
+        std::vector<std::string> values = {band ? "25" : "120"};
+        values.insert(values.end(), any.begin(), any.end());
+        for (const std::string& value : values) {
             const bool asText = ++kinds % 2 == 0;
-            const std::string text = row.fileKey + " " + value, string = row.stringKey + "=" + value;
+            const std::string text = row.fileKey + " " + value;
+            const std::string string = row.stringKey + "=" + value;
             const Pcm after = heard(
                 GetParam(),
                 [&] {

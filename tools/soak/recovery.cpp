@@ -18,7 +18,7 @@ namespace {
 constexpr int kHealed = 2 * 48000;        // sample frames
 constexpr double kMostDifference = 1e-4;  // of the power: -40 dB
 
-// Beyond twice its range, on a route that uses it.
+// Beyond its range, on a route that uses it; a compression of 117 % at a low volume is what 100 % are at a high one.
 bool is_hostile(const Setting& setting, bool headphones) {
     if (setting.kind != Setting::Kind::kNumber) {
         return false;
@@ -26,7 +26,8 @@ bool is_hostile(const Setting& setting, bool headphones) {
     const bool both = setting.stored == &b_parameterMEM.denCentSpeechGain;
     const bool used = both || (setting.stringKey[0] == 'H') == headphones;
     const bool band = std::strstr(setting.stringKey, "hzgain") != nullptr;
-    return used && !(*setting.stored >= -200.0f && *setting.stored <= (band ? 48.0f : 200.0f));
+    return used &&
+           !(*setting.stored >= (band ? -200.0f : -100.0f) && *setting.stored <= (band ? 24.0f : 117.0f));
 }
 
 }  // namespace

@@ -12,9 +12,9 @@ constexpr int kRate = 48000;
 constexpr int64_t kRecovery =
     int64_t{4} * kRate;  // long enough to be compared after the two seconds of healing
 
-constexpr const char* kHostileValues[] = {"nan",  "inf", "-inf", "1e38",  "-1e38", "1e20", "1e9",
-                                          "-1e9", "1e6", "-1e4", "1000",  "-1000", "500",  "1e-42",
-                                          "-0.0", "x",   "1e99", "-1e99", "300",   "-300"};
+constexpr const char* kHostileValues[] = {
+    "nan",   "inf",  "-inf", "1e38", "-1e38", "1e20", "1e9",  "-1e9", "1e6",  "-1e4", "1000", "-1000", "500",
+    "1e-42", "-0.0", "x",    "1e99", "-1e99", "300",  "-300", "200",  "-150", "101",  "48",   "25"};
 
 bool is_band(const android::Setting& setting) {
     return setting.stringKey != nullptr && std::strstr(setting.stringKey, "hzgain") != nullptr;
