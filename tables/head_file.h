@@ -17,7 +17,10 @@ inline constexpr std::array kKemarCredit = {
 // it does nothing else.
 Head read_head(const std::string& path);
 
-// The same after a child process has tried it, so that no file can break this process or keep it busy; the child has
+// Lets libmysofa read the file and let go of it again: what damaged files break. Throws HeadError.
+void try_head_file(const std::string& path);
+
+// Reads it after a child process has tried it, so that no file can break this process or keep it busy; the child has
 // so many seconds of processor time. A signal that this process takes note of ends it with a HeadError.
 Head load_head(const std::string& path, unsigned seconds = 30);
 

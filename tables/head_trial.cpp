@@ -1,4 +1,5 @@
-// A file's first reading is a child's: libmysofa breaks down over some damaged files and goes on for hours over others.
+// libmysofa breaks down over some damaged files and goes on for hours over others, so a child's is the first that it
+// reads. What is made of the file is left to the parent, where a fault of ours shows.
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -20,7 +21,7 @@ void obey(int signal) {
     }
 }
 
-[[noreturn]] void try_to_read(const std::string& path, rlim_t seconds) {
+[[noreturn]] void try_to_open(const std::string& path, rlim_t seconds) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         obey(signal);
     }
@@ -28,7 +29,7 @@ void obey(int signal) {
     setrlimit(RLIMIT_CPU, &time);
     setrlimit(RLIMIT_CORE, &core);
     try {
-        read_head(path);
+        try_head_file(path);
     } catch (...) {  // the parent will say why
     }
     _exit(0);
@@ -42,7 +43,7 @@ Head load_head(const std::string& path, unsigned seconds) {
         throw HeadError("cannot read " + path + ": no process can be started for it");
     }
     if (child == 0) {
-        try_to_read(path, seconds);
+        try_to_open(path, seconds);
     }
     int status = 0;
     while (waitpid(child, &status, 0) < 0) {
