@@ -45,6 +45,7 @@ double microseconds(const Speed& speed, const std::string& name, android::Kernel
 // Subject over reference at a level above the scalar one; not a number where there is nothing to compare.
 double ratio(const Speed& speed, const Comparison& row, android::KernelLevel level);
 
-double most(const Comparison& row, android::KernelLevel level);
+// What it has to stay within; 0: nothing.
+double most(const Speed& speed, const Comparison& row, android::KernelLevel level);
 
 }  // namespace bench

@@ -28,7 +28,7 @@ ordered_json to_json(const Speed& speed, const Comparison& row) {
             {"against", row.against},
             {"ratio", by_level(1, [&](android::KernelLevel level) { return ratio(speed, row, level); })},
             {"most", by_level(1, [&](android::KernelLevel level) {
-                 const double value = most(row, level);
+                 const double value = most(speed, row, level);
                  return value > 0.0 ? value : std::nan("");
              })}};
 }

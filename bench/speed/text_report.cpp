@@ -58,7 +58,7 @@ std::string ratio_table(const Speed& speed) {
     for (const Comparison& row : comparisons()) {
         std::vector<std::string> cells;
         for (size_t i = 1; i < levels().size(); ++i) {
-            cells.push_back(judged(ratio(speed, row, levels()[i]), most(row, levels()[i])));
+            cells.push_back(judged(ratio(speed, row, levels()[i]), most(speed, row, levels()[i])));
         }
         text += line({row.job, row.against}, cells, kRatioWidth);
     }

@@ -1,6 +1,6 @@
 #!/bin/sh
-# How the shipped file is linked: what it needs, no lock but mutexes and once, no clock, no thread, and that no memory
-# is both writable and executable.
+# How the shipped file is linked: what it needs, no lock but mutexes and once, no clock, no thread, that no memory is
+# both writable and executable, and how much of it is zero-initialised.
 #   hardening.sh READELF LIBRARY NEEDED...      (file names without what follows ".so")
 set -eu
 readelf=$1 library=$2
@@ -29,5 +29,9 @@ grep -Eq '\(FLAGS_1\).* NOW' "$work/dynamic" || fault "binds lazily"
 grep -q 'GNU_RELRO' "$work/segments" || fault "leaves its relocations writable"
 grep -Eq 'GNU_STACK .* RW +0x' "$work/segments" || fault "asks for an executable stack"
 ! grep -Eq 'LOAD .* RWE ' "$work/segments" || fault "has memory that can be written and executed"
+
+# Integrators plan for it: 416 KiB of plain state, and at most 128 KiB more for working faster.
+bss=$("$readelf" -SW "$library" | sed -nE 's/.* \.bss +NOBITS +[0-9a-f]+ [0-9a-f]+ ([0-9a-f]+).*/\1/p')
+[ "$((0x$bss))" -le $(((416 + 128) * 1024)) ] || fault "has $((0x$bss)) bytes of zero-initialised memory"
 
 [ "$failed" -eq 0 ] && echo "needs $*; relocations read-only, stack not executable"
