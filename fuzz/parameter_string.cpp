@@ -41,7 +41,7 @@ void check_pairs(const std::string& text) {
         float number = 0.0f;
         store.getInt(k, integer);
         store.getFloat(k, number);
-        joined += (joined.empty() && i == 1 ? "" : ";") + key + "=" + value;
+        joined.append(joined.empty() && i == 1 ? "" : ";").append(key).append("=").append(value);
     }
     String8 k, v;
     require(store.getAt(i, k, v) != android::NO_ERROR, "the store holds no more pairs");

@@ -2,6 +2,8 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <exception>
+#include <string>
 
 #include "bench/speed/comparisons.h"
 #include "bench/speed/peers.h"
@@ -39,9 +41,7 @@ void report(const Wishes& wishes) {
     }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     Wishes wishes;
     CLI::App app("Measures the engine's kernels at every level beside FFTW, KissFFT and zita-convolver.",
                  "speed_bench");
@@ -59,9 +59,17 @@ int main(int argc, char** argv) {
         report(wishes);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? zoq::kExitOk : zoq::kExitUsage;
-    } catch (const zoq::Failure& failure) {
-        std::fprintf(stderr, "speed_bench: %s\n", failure.what());
-        return zoq::kExitFailure;
     }
     return zoq::kExitOk;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "speed_bench: %s\n", error.what());
+        return zoq::kExitFailure;
+    }
 }

@@ -55,6 +55,7 @@ class FrameChain : public ::testing::Test {
         r.den.stereoOutput = 1.0f;
         r.vb.boostLin = -1.0f;
     }
+    ~FrameChain() override { fake_modules::enhance = nullptr; }
 
     // One hop; the three blocks go in one after another.
     Signal hop(Signal frameIn, float channels = 2.0f, uint8_t headphone = 0) {

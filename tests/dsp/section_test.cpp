@@ -159,7 +159,8 @@ TEST(Section, ACascadeHasTheSameBitsAtEveryLevel) {
             value *= scale;
         }
     }
-    std::vector<float>& changing = signals.emplace_back(signals::noise(7, 10 * kHop));
+    signals.push_back(signals::noise(7, 10 * kHop));
+    std::vector<float>& changing = signals.back();
     std::fill_n(changing.begin() + 100, 3 * kHop, -0.0f);
     changing[4 * kHop + 1] = 3e38f;
     changing[7 * kHop + 9] = INFINITY;

@@ -129,7 +129,7 @@ struct Model {
         for (const SettingRow& row : rows) {
             derived.push_back(row.derived != nullptr ? *row.derived : 0.0f);
         }
-        text = text.substr(0, std::min(text.find('\0'), kLimit));
+        text.resize(std::min({text.find('\0'), kLimit, text.size()}));
         std::replace_if(
             text.begin(), text.end(), [](char c) { return std::strchr(" ,;{}[]=\t\n\r", c) != nullptr; },
             ' ');

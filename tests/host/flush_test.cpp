@@ -79,7 +79,8 @@ TEST_F(Flush, OutputDoesNotDependOnTheCallersRounding) {
         engine::enable(true);
         engine::play_through_settling(960);
         std::fesetround(rounding);
-        std::vector<Pcm>& answer = answers.emplace_back();
+        answers.emplace_back();
+        std::vector<Pcm>& answer = answers.back();
         for (uint32_t b = 0; b < 10; ++b) {
             answer.push_back(engine::played(engine::noise(b, 960)));
         }

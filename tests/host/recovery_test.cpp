@@ -95,7 +95,7 @@ class Recovery : public ::testing::TestWithParam<int> {
 };
 
 TEST_P(Recovery, FollowsEveryHostileSettingWithinASecond) {
-#ifdef ZOQ_SANITIZED
+#ifdef ZOQ_FEWER_CASES
     const std::vector<std::string> any = {"nan", "-1e38"};  // each a way of its own through the arithmetic
 #else
     const std::vector<std::string> any = {"nan", "inf", "-inf", "1e38", "-1e38", "1e9", "-1e4", "1000"};

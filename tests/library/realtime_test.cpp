@@ -112,9 +112,11 @@ void start_audio_thread() {
         mmap(nullptr, kStack, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    pthread_attr_setstack(&attributes, stack, kStack);
     pthread_t thread;
-    pthread_create(&thread, &attributes, audio_thread, nullptr);
+    if (pthread_attr_setstack(&attributes, stack, kStack) != 0 ||
+        pthread_create(&thread, &attributes, audio_thread, nullptr) != 0) {
+        std::abort();
+    }
     on_audio_thread([] {});
 }
 
@@ -138,10 +140,9 @@ void play(Pcm& block, int sampleRate = 48000, int channels = 2) {
 // Settings, volumes, hostile values, routes, the switch, block sizes, rates and channels change between blocks.
 void play_everything() {
     const char* const settings[] = {
-        "HIFIPARA=STEREOWIDEN_Enable=true;CompressionGain=70;VB_boostlin=50;DS_stereoWidth=80;EQ_trebleBoost="
-        "15",
+        "HIFIPARA=STEREOWIDEN_Enable=true;CompressionGain=70;VB_boostlin=50;DS_stereoWidth=80",
         "EQ_1khzgain=6;Headphone_EQ_62hzgain=-6;DEN_centspeechgain=60;HP_SurroundWidth=90",
-        "DS_stereoWidth=0",
+        "DS_stereoWidth=0;EQ_trebleBoost=15",
         "output_device=8",
         "HP_SurroundWidth=10;Headphone_CompressionGain=80",
         "EQ_62hzgain=nan;Headphone_EQ_62hzgain=1e38",

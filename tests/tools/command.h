@@ -52,7 +52,8 @@ inline double tone_at(double seconds, double hz) {
 inline Sound tone(size_t frames, double hz, double amplitude, int channels = 2, int rate = 48000) {
     Sound sound = silence(frames, channels, rate);
     for (size_t i = 0; i < sound.values.size(); ++i) {
-        const double seconds = static_cast<double>(i / static_cast<size_t>(channels)) / rate;
+        const size_t frame = i / static_cast<size_t>(channels);
+        const double seconds = static_cast<double>(frame) / rate;
         sound.values[i] = static_cast<int16_t>(std::lround(32768.0 * amplitude * tone_at(seconds, hz)));
     }
     return sound;

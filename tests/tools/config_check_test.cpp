@@ -72,7 +72,7 @@ std::string any_file(TextMaker& make) {
 std::string any_string(TextMaker& make) {
     static constexpr const char* kBehind[] = {";", ";", ";", ";;", "; ", ",", "=", "\n;"};
     std::string text = make.below(10) == 0 ? make.noise(make.below(60)) : "";
-    text = text.substr(0, text.find('\0'));
+    text.resize(std::min(text.find('\0'), text.size()));
     for (size_t n = make.below(12); n > 0; --n) {
         text += make.any_key(make.below(2) == 0, false) + (make.below(8) == 0 ? "" : "=") + make.any_value();
         text += make.one_of(kBehind);

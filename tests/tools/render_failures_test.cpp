@@ -59,7 +59,7 @@ TEST_F(RenderFailuresTest, WrongCommandLines) {
 }
 
 TEST_F(RenderFailuresTest, FilesThatCannotBeRead) {
-    std::ofstream("empty.wav");
+    std::ofstream("empty.wav").close();
     std::ofstream("text.wav") << "This is no sound at all, and it is long enough to look at.";
     write("nothing.wav", silence(0));
     write("nine.wav", silence(100, 9));

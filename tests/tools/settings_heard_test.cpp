@@ -150,7 +150,7 @@ TEST_F(SettingsHeardTest, CompressionOnBothRoutes) {
         {"--route speaker --set VB_boostlin=0 --set CompressionGain=", "18"},
         {"--route headphone --set Headphone_CompressionGain=", "20"}};
     for (const auto& [options, fullDb] : routes) {
-        const auto level = [&](const Sound& sound, const char* percent) {
+        const auto level = [&, options = options](const Sound& sound, const char* percent) {
             return level_db(rendered(sound, std::string(options) + percent), 0, 1000.0);
         };
         // Half of the full gain lifts what is quiet whole and what is loud not half as far.

@@ -137,7 +137,7 @@ TEST_F(TablesImportTest, SaysWhatIsWrongWithAHead) {
 TEST_F(TablesImportTest, SaysWhatIsWrongWithAFile) {
     const std::string good = contents(zoq::tables::kDefaultHeadFile);
     std::ofstream("text.sofa") << "This is no head at all.";
-    std::ofstream("empty.sofa");
+    std::ofstream("empty.sofa").close();
     std::ofstream("start.sofa") << good.substr(0, 8);
     std::ofstream("half.sofa") << good.substr(0, good.size() / 2);
     std::filesystem::create_directory("folder");

@@ -38,7 +38,7 @@ void Recovery::begin(const Phase& phase) {
         std::any_of(settings(), settings() + kSettings,
                     [headphones](const Setting& setting) { return is_hostile(setting, headphones); });
     before_ = hostile && phase.recovers ? std::make_unique<parameterMEM>(b_parameterMEM) : nullptr;
-    healed_ = static_cast<size_t>(kHealed * phase.stream.channels);
+    healed_ = size_t{kHealed} * static_cast<size_t>(phase.stream.channels);
     heard_.clear();
 }
 

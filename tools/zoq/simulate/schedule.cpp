@@ -47,7 +47,7 @@ const std::vector<std::string> kHostKeys = {"block", "rate",   "device",     "ou
 // "KEY=VALUE", or init.
 HostEvent host_event(double seconds, const std::string& pair, const std::string& where) {
     const size_t equals = std::min(pair.find('='), pair.size());
-    const HostEvent event{seconds, pair.substr(0, equals), pair.substr(std::min(equals + 1, pair.size()))};
+    HostEvent event{seconds, pair.substr(0, equals), pair.substr(std::min(equals + 1, pair.size()))};
     const std::string& key = event.key;
     if (key == "HIFIPARA") {
         throw UsageFailure(where + ": for 'HIFIPARA' write processing=on or processing=off");
